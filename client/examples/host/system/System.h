@@ -1,0 +1,37 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+
+// What the host needs of the operating system; sources in posix/ and windows/.
+
+namespace host {
+
+class Machine;
+
+std::unique_ptr<Machine> openThisMachine();
+
+// Whether a person watches the standard error stream.
+bool isErrorStreamTerminal();
+
+// Catches Ctrl-C and a request to terminate while it lives; one at a time in the process. The first signal asks to
+// stop, a second one ends the program as if there were no StopSignal.
+//
+//   StopSignal stop;
+//   while (!stop.waitUntil(next)) takeRound();
+class StopSignal {
+public:
+    StopSignal();
+    ~StopSignal();
+    StopSignal(const StopSignal&) = delete;
+    StopSignal& operator=(const StopSignal&) = delete;
+
+    // Sleeps until the time. True at once, and from then on, when a signal came.
+    bool waitUntil(std::chrono::steady_clock::time_point time);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+}    // namespace host

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "metrics/Metric.h"
+#include "output/WriterPlugin.h"
+
+#include <cstdint>
+#include <map>
+
+namespace host {
+
+// Counts the data points of each metric that reach the writers.
+class PointCounter : public WriterPlugin {
+public:
+    PointCounter() : WriterPlugin("quorvane-host-point-counter") {}
+    int openOutput() override { return 0; }
+    int closeOutput() override { return 0; }
+
+    std::uint64_t getPoints(unsigned int metricId) const
+    {
+        const auto entry = m_points.find(metricId);
+        return entry != m_points.end() ? entry->second : 0;
+    }
+
+private:
+    int writeMessage(const pwr::Metric& metric) override
+    {
+        ++m_points[metric.getId()];
+        return 0;
+    }
+
+    std::map<unsigned int, std::uint64_t> m_points;
+};
+
+}    // namespace host

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "output/WriterPlugin.h"
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+// What stands above the rows of a table, and behind them.
+struct TableHead {
+    struct Column {
+        std::string entity;    // qualified name; empty for a column of the whole row
+        std::string name;      // with its units
+    };
+    std::string title;
+    std::vector<Column> columns;
+    std::vector<std::string> preNotes;
+    std::vector<std::string> postNotes;
+};
+
+// The part that writers of tables share: it puts the messages of a table (a layout, then row after row) together again,
+// and the notes of a metric around its tables. closeOutput() of a derived class begins with finishTables_i().
+class TableWriter : public WriterPlugin {
+protected:
+    explicit TableWriter(const std::string& name) : WriterPlugin(name) {}
+
+    virtual void beginMetric_i(const std::string& banner) = 0;
+    virtual void writeNotes_i(const std::vector<std::string>& notes) = 0;
+    virtual void beginTable_i(const TableHead& head) = 0;
+    virtual void writeRow_i(const std::vector<std::string>& cells) = 0;
+    virtual void endTable_i(const TableHead& head) = 0;
+
+    void finishTables_i();
+
+    // A derived class that overrides others of these brings them in with a using declaration.
+    int writeMessage(const pwr::MetricContainerInfoMessage& message) override;
+    int writeMessage(const pwr::TextMessage& message) override;
+    int writeMessage(const pwr::TableMessage& message) override;
+
+private:
+    void endTableInProgress_i();
+    static TableHead headOf_i(const pwr::TableMessage& message);
+
+    unsigned int m_messageId = 0;    // of the table in progress; 0: none
+    TableHead m_head;
+    std::vector<std::string> m_metricPostNotes;    // wait for the metric's last table
+};
+
+}    // namespace host

@@ -1,0 +1,82 @@
+#include "metrics/SummaryTable.h"
+
+#include "metrics/Metric.h"
+#include "output/WriterStream.h"
+#include "runtime/Log.h"
+#include "values/DataHandle.h"
+#include "values/Description.h"
+#include "values/Formatter.h"
+#include "values/Handles.h"
+
+namespace pwr {
+
+namespace {
+
+const Field* orUnnamed(const Field* group)
+{
+    return group != nullptr ? group : Field::create(FieldDescription("", ""));
+}
+
+}    // namespace
+
+TableRequest::TableRequest(const Metric& requester, const std::string& tableType,
+                           const WriterInterfaceConfigFileParser& config)
+    : metric(requester)
+{
+    const std::string& tag = metric.getMetricContainerTag();
+    if (!config.getTableInfoFor(info, tag, metric.getFeatureSwitchTag(), tableType)) {
+        QV_LOG_INFO("INFO: Output config file entry not present for MetricContainer %s and table type %s.\n",
+                    tag.c_str(), tableType.c_str());
+    }
+    if (!info.getTableTitle(title)) title = metric.getName();
+}
+
+SummaryTable::SummaryTable(WriterStream& stream, const Metric& metric, const std::string& title, const TextNotes* notes)
+    : m_stream(stream), m_table(title, nullptr)
+{
+    m_table.addParentMessage(metric.getId());
+    m_table.setMetricContainerId(metric.getId());
+    m_table.setTextNotes(notes);
+}
+
+unsigned int SummaryTable::addGroupColumn(const Field* group, DataType type)
+{
+    m_table.addField(orUnnamed(group), type, false);
+    return m_fieldCount++;
+}
+
+unsigned int SummaryTable::addSharedGroupColumn(const Field* group, DataType type)
+{
+    m_table.addField(orUnnamed(group), type, true);
+    return m_fieldCount++;
+}
+
+unsigned int SummaryTable::addColumn(const std::string& name, DataType type)
+{
+    m_table.addField(name, type, false);
+    return m_fieldCount++;
+}
+
+unsigned int SummaryTable::addRealColumn(const std::string& name)
+{
+    m_table.addField(name, DataType::REAL, RealFormatter(0, 2), false);
+    return m_fieldCount++;
+}
+
+void SummaryTable::pushHeader()
+{
+    m_table.createTable();
+    pushRow();
+}
+
+void SummaryTable::pushRow()
+{
+    m_stream.pushMessage(m_table);
+}
+
+void SummaryTable::setHandle(unsigned int field, const DataHandle* handle)
+{
+    if (handle != nullptr) m_table.setField(field, *handle);
+}
+
+}    // namespace pwr

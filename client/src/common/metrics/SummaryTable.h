@@ -1,0 +1,69 @@
+#pragma once
+
+#include "config/OutputConfig.h"
+#include "output/TableMessage.h"
+
+#include <string>
+
+class WriterStream;
+
+namespace pwr {
+
+class Metric;
+class TextNotes;
+
+// How the output configuration wants one of a metric's tables presented. Without an entry the defaults stand, and the
+// log says so.
+struct TableRequest {
+    TableRequest(const Metric& requester, const std::string& tableType, const WriterInterfaceConfigFileParser& config);
+
+    const Metric& metric;
+    TableInfo info;
+    std::string title;    // the configured one or the metric's name; the fixed text of the table follows
+};
+
+// A summary table on its way to the writers, in the form that all have in common: columns first, then the header, then
+// row after row.
+//
+//   SummaryTable table(stream, metric, "Power Summary", notes);
+//   const unsigned int mean = table.addRealColumn("Avg (mW)");
+//   table.pushHeader();
+//   table.set(mean, 41.5);
+//   table.pushRow();
+class SummaryTable {
+public:
+    // `notes` may be null; they are not owned and outlive the table's messages.
+    SummaryTable(WriterStream& stream, const Metric& metric, const std::string& title, const TextNotes* notes);
+
+    // Each gives the id of its field. Columns are not shared unless said. A group info that the metric lacks (null)
+    // gets a column without a name.
+    unsigned int addGroupColumn(const Field* group, DataType type);
+    unsigned int addSharedGroupColumn(const Field* group, DataType type);
+    unsigned int addColumn(const std::string& name, DataType type);
+    unsigned int addRealColumn(const std::string& name);    // two digits behind the point
+
+    void addEntity(const EntityHandle* entity) { m_table.addEntity(entity); }
+    void pushHeader();    // creates the table and sends it without values
+    void pushRow();       // sends what was set; the cells are empty again afterwards
+
+    template <typename T>
+    void set(unsigned int field, const T& value)
+    {
+        m_table.setField(field, value);
+    }
+
+    template <typename T>
+    void set(const EntityHandle* entity, unsigned int field, const T& value)
+    {
+        m_table.setField(entity, field, value);
+    }
+
+    void setHandle(unsigned int field, const DataHandle* handle);    // null leaves the cell empty
+
+private:
+    WriterStream& m_stream;
+    TableMessage m_table;
+    unsigned int m_fieldCount = 0;
+};
+
+}    // namespace pwr

@@ -1,0 +1,25 @@
+#include "plugins/QuorvaneHost.h"
+
+#include "output/WriterStream.h"
+#include "values/EntityHandle.h"
+
+WriterStream* QuorvaneHost::createWriterStream(const std::set<WriterPlugin*>& plugins)
+{
+    return new WriterStream(plugins);
+}
+
+void QuorvaneHost::destroyWriterStream(WriterStream* stream)
+{
+    delete stream;
+}
+
+void QuorvaneHost::addSupportedTableClass(WriterStream& stream, pwr::TableClass tableClass)
+{
+    stream.m_supportedTableClasses.insert(tableClass);
+}
+
+int QuorvaneHost::addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child)
+{
+    if (parent == nullptr || child == nullptr) return 1;
+    return parent->addChild(child);
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "output/TableTypes.h"
+#include "runtime/Export.h"
+
+#include <set>
+
+class WriterPlugin;
+class WriterStream;
+namespace pwr {
+class EntityHandle;
+}
+
+// The host's door: what only the owner of the plugins may do. Static operations only.
+//
+//   std::set<WriterPlugin*> writers{&csv, &console};
+//   WriterStream* stream = QuorvaneHost::createWriterStream(writers);
+//   g_pluginEnvironment->setWriterStream(stream);
+//   ...
+//   QuorvaneHost::destroyWriterStream(stream);    // closes each writer
+class QUORVANE_API QuorvaneHost {
+public:
+    QuorvaneHost() = delete;
+
+    // Makes a stream over `plugins`, which stays the host's and outlives the stream.
+    static WriterStream* createWriterStream(const std::set<WriterPlugin*>& plugins);
+
+    // Calls closeOutput() on each writer and deletes the stream; the registry and the environment forget it. Null does
+    // nothing.
+    static void destroyWriterStream(WriterStream* stream);
+
+    // Tells producers that some writer wants tables of this class.
+    static void addSupportedTableClass(WriterStream& stream, pwr::TableClass tableClass);
+
+    // Makes `child` a child of `parent`. Returns 0; 1 for null, and with a warning when it would make a cycle.
+    static int addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child);
+};

@@ -1,0 +1,12 @@
+#include "runtime/os/Os.h"
+
+namespace pwr::os {
+
+Door& current()
+{
+    static Door s_door{&systemFiles(),   &systemEnvironment(), &systemClocks(), &systemProcessor(),
+                       &systemConsole(), &systemErrorTexts(),  &systemMemory()};
+    return s_door;
+}
+
+}    // namespace pwr::os

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "runtime/os/Clocks.h"
+#include "runtime/os/Console.h"
+#include "runtime/os/Environment.h"
+#include "runtime/os/ErrorTexts.h"
+#include "runtime/os/Files.h"
+#include "runtime/os/Memory.h"
+#include "runtime/os/Processor.h"
+
+namespace pwr::os {
+
+// The library's only door to the operating system, one member per concern. A test replaces one concern for a while, for
+// instance to make its n-th call fail, and puts the old one back.
+//
+//   os::current().clocks->timeStampCounter();
+struct Door {
+    Files* files;
+    Environment* environment;
+    Clocks* clocks;
+    Processor* processor;
+    Console* console;
+    ErrorTexts* errorTexts;
+    Memory* memory;
+};
+
+Door& current();
+
+}    // namespace pwr::os

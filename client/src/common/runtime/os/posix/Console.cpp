@@ -1,0 +1,24 @@
+#include "runtime/os/Console.h"
+
+namespace pwr::os {
+
+namespace {
+
+class PosixConsole : public Console {
+public:
+    void writeError(const char* text) override
+    {
+        std::fputs(text, stderr);
+        std::fflush(stderr);
+    }
+};
+
+}    // namespace
+
+Console& systemConsole()
+{
+    static PosixConsole s_console;
+    return s_console;
+}
+
+}    // namespace pwr::os

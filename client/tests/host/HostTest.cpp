@@ -1,0 +1,308 @@
+#include "Collection.h"
+#include "Host.h"
+#include "OutputConfigFile.h"
+#include "TreeCopy.h"
+#include "features/CpuLoad.h"
+#include "machine/SystemTree.h"
+#include "support/TestSession.h"
+#include "writers/PointCounter.h"
+
+#include "config/OutputConfig.h"
+#include "record/Clocks.h"
+#include "values/DataHandleProvider.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstddef>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Arguments = std::vector<std::string>;
+
+std::ptrdiff_t lines(const std::string& text)
+{
+    return std::count(text.begin(), text.end(), '\n');
+}
+
+class HostTest : public testing::Test {
+protected:
+    ~HostTest() override { fs::remove_all(m_folder); }
+
+    int run(const Arguments& arguments)
+    {
+        out.str("");
+        errors.str("");
+        return host::runHost(arguments, {out, errors});
+    }
+    // A short run over the tree.
+    int measure(const test::TreeCopy& tree, Arguments more)
+    {
+        const Arguments common{"--sysroot", tree.root(), "--time", "0.15", "--interval", "40"};
+        more.insert(more.begin(), common.begin(), common.end());
+        return run(more);
+    }
+    std::string path(const std::string& name) const { return m_folder + "/" + name; }
+
+    std::ostringstream out;
+    std::ostringstream errors;
+
+private:
+    const std::string m_folder = test::freshPath("results");
+};
+
+TEST_F(HostTest, HelpAndBadArguments)
+{
+    EXPECT_EQ(0, run({"--help"}));
+    for (const char* name : {"--feature NAME", "--time SECONDS", "--interval MS", "--output PREFIX",
+                             "--output-config FILE", "--sysroot DIR", "--list", "--help"}) {
+        EXPECT_NE(std::string::npos, out.str().find(name)) << name;
+    }
+    EXPECT_EQ("", errors.str());
+    EXPECT_EQ(2, run({"--nonsense"}));
+    EXPECT_EQ("quorvane_host: unknown option '--nonsense': --help lists the options\n", errors.str());
+}
+
+TEST_F(HostTest, TheListTellsWhatIsOfferedAndWhyNot)
+{
+    const test::TreeCopy tree("no-idle");
+    EXPECT_EQ(0, run({"--sysroot", tree.root(), "--list"}));
+    EXPECT_EQ("cpu-idle      time of each logical processor in each idle state, and active\n"
+              "              not offered here: no processor has idle states that can be read below " +
+                  tree.root() +
+                  "/sys/devices/system/cpu\n"
+                  "cpu-load      busy percent of each logical processor\n"
+                  "temperature   degrees of each thermal zone\n"
+                  "              not offered here: there is no thermal zone below " +
+                  tree.root() + "/sys/class/thermal\n",
+              out.str());
+}
+
+TEST_F(HostTest, WhatCanNotBeMeasuredIsOneLineAndAStatus)
+{
+    const test::TreeCopy tree("no-idle");
+    const test::TreeCopy bare("no-idle");
+    bare.remove("proc");
+    fs::create_directories(path("blocked_summary.csv"));
+    const struct {
+        Arguments arguments;
+        int status;
+        std::string line;
+    } cases[] = {
+        {{"--feature", "magic"}, 2, "there is no feature 'magic' here: --list tells the names"},
+        {{"--feature", "cpu-load", "--feature", "temperature"},
+         1,
+         "this machine does not offer 'temperature', since there is no thermal zone below " + tree.root() +
+             "/sys/class/thermal: --list tells what it offers"},
+        {{"--sysroot", "/no/such/folder"},
+         1,
+         "there is no folder /no/such/folder: give --sysroot one that holds sys and proc"},
+        {{"--sysroot", bare.root()}, 1, "this machine offers no feature: --list tells why"},
+        {{"--output-config", path("none.conf")}, 1, path("none.conf") + " can't be read: give --output-config a file"},
+        {{"--output-config", tree.root()}, 1, tree.root() + " can't be read: give --output-config a file"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.status, measure(tree, c.arguments)) << c.line;
+        EXPECT_EQ("quorvane_host: " + c.line + "\n", errors.str());
+        EXPECT_EQ("", out.str());
+    }
+    EXPECT_EQ(1, measure(tree, {"--output", path("blocked")}));
+    EXPECT_TRUE(errors.str().starts_with("quorvane_host: " + path("blocked_summary.csv") + " can't be written"));
+    EXPECT_TRUE(errors.str().ends_with(": give --output a prefix that can be written\n")) << errors.str();
+    EXPECT_EQ(1, lines(errors.str())) << errors.str();
+}
+
+TEST_F(HostTest, ABadOutputConfigurationEndsTheRun)
+{
+    const test::TreeCopy tree("no-idle");
+    tree.write("bad.conf", "ALL_CPU-LOAD_LOAD_MIN-MAX_COLOR=red\n");
+    EXPECT_EQ(1, measure(tree, {"--output-config", tree.root() + "/bad.conf"}));
+    EXPECT_NE(std::string::npos, errors.str().find("ALL_CPU-LOAD_LOAD_MIN-MAX_COLOR=red"));
+    EXPECT_NE(std::string::npos,
+              errors.str().find("bad.conf is no good output configuration: the line before says where\n"));
+}
+
+TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
+{
+    const test::TreeCopy tree("modules");
+    tree.write("sys/class/thermal/thermal_zone0/temp", "41500\n");
+    tree.write("sys/class/thermal/thermal_zone0/type", "board\n");
+    // Only what does not depend on the moments of the rounds.
+    tree.write("tables.conf", "ALL_OUTPUT-ORDER_TAG_FEATURE_ORDER=TEMPERATURE,CPU-IDLE\n"
+                              "ALL_TEMPERATURE_ZONES_MIN-MAX-AVG_TITLE=Heat, felt\n"
+                              "ALL_TEMPERATURE_ZONES_SAMPLE-COUNT_TABLE=NO\n"
+                              "ALL_TEMPERATURE_ZONES_MIN-MAX_TABLE=NO\n"
+                              "ALL_TEMPERATURE_ZONES_NUMBER-OF-OCCURENCES_TABLE=NO\n"
+                              "ALL_TEMPERATURE_ZONES_RELATIVE-FREQUENCY-PERCENTAGE_TABLE=NO\n"
+                              "ALL_TEMPERATURE_ZONES_APPROXIMATED-RESIDENCY_TABLE=NO\n"
+                              "ALL_CPU-IDLE_STATES_RESIDENCY-PERCENTAGE_TRANSPOSE=YES\n"
+                              "ALL_CPU-IDLE_STATES_RESIDENCY-PERCENTAGE_POST-TABLE-TEXT=Quiet.\n"
+                              "ALL_CPU-IDLE_STATES_SAMPLE-COUNT_TABLE=NO\n"
+                              "ALL_CPU-IDLE_STATES_RESIDENCY-MILLISECOND_TABLE=NO\n"
+                              "ALL_CPU-IDLE_STATES_RESIDENCY-COMBINED_TABLE=NO\n");
+    EXPECT_EQ(0, measure(tree, {"--output-config", tree.root() + "/tables.conf", "--output", path("deep/run")}));
+    EXPECT_EQ("\"Heat, felt Summary - Sampled: Min/Max/Avg\"\n"
+              "Thermal zone,Min (oC),Max (oC),Avg (oC),Time-weighted Avg (oC)\n"
+              "board,41.5,41.5,41.50,41.50\n"
+              "\n"
+              "CPU idle states Summary: Residency (Percentage)\n"
+              "Processor,Active (%),C1 (%),C1 (state1) (%)\n"
+              "CPU/Package_0/Module_0/Core_0/Thread_0,100.00,0.00,0.00\n"
+              "CPU/Package_0/Module_0/Core_1/Thread_1,100.00,0.00,0.00\n"
+              "CPU/Package_0/Module_1/Core_2/Thread_2,100.00,0.00,0.00\n"
+              "CPU/Package_0/Module_1/Core_3/Thread_3,100.00,0.00,0.00\n"
+              "CPU/Package_0/Module_2/Core_4/Thread_4,100.00,0.00,0.00\n"
+              "Quiet.\n"
+              "\n",
+              test::contentOf(path("deep/run_summary.csv")));
+    EXPECT_EQ("quorvane_host: cpu-load: nothing changed, so there is no sample\n", errors.str());
+
+    // A round each 40 ms and one at the end; a busy machine may miss some. 16 samples a round.
+    const std::string text = out.str();
+    const std::string last = text.substr(text.rfind('\n', text.size() - 2) + 1);
+    const int samples = std::stoi(last);
+    EXPECT_TRUE(samples > 0 && samples <= 4 * 16 && samples % 16 == 0) << samples;
+    EXPECT_EQ(std::to_string(samples) + " samples, 0 dropped points, files: " + path("deep/run_summary.csv, ") +
+                  path("deep/run_temperature.csv, ") + path("deep/run_cpu-idle-states.csv\n"),
+              last);
+    const std::string timeline = test::contentOf(path("deep/run_cpu-idle-states.csv"));
+    EXPECT_EQ(1 + samples / 16 * 15, lines(timeline));
+    EXPECT_TRUE(timeline.starts_with("Time (s),Entity,Descriptor,Residency (ms),Duration (s)\n0."));
+    EXPECT_EQ(nullptr, g_pluginEnvironment);
+}
+
+TEST_F(HostTest, TheOwnOutputConfigurationIsFoundAndGood)
+{
+    test::LogCapture log(2);
+    const std::string own = host::findOutputConfig("");
+    ASSERT_TRUE(own.ends_with("output.conf")) << own;
+    auto* parser = pwr::WriterInterfaceConfigFileParser::instance();
+    EXPECT_EQ(0, parser->parse({own}, pwr::SystemMetadata()));
+    EXPECT_EQ("", log.errors() + log.debug());
+    parser->destroy();
+
+    const test::TreeCopy tree("unreadable");
+    EXPECT_EQ(0, measure(tree, {"--feature", "temperature", "--feature", "cpu-idle"}));
+    const std::string text = out.str();
+    for (const char* part :
+         {"CPU idle states Summary: Residency (Percentage and Time)\nActive is the time that no idle",
+          "  Processor                      Active (%)  C1 (%)  C2 (%)  Active (msec)",
+          "Temperature Summary - Sampled: Min/Max/Avg\n", "processor 1 is left out, since ",
+          "thermal zone 1 is left out, since ", "no files (--output PREFIX writes some)\n"}) {
+        EXPECT_NE(std::string::npos, text.find(part)) << part << " is not in\n" << text;
+    }
+    EXPECT_LT(text.find("CPU idle states Summary"), text.find("Temperature Summary"));
+    EXPECT_EQ(2, lines(errors.str())) << errors.str();
+}
+
+TEST_F(HostTest, ATreeThatStandsStillGivesNoSampleAndSaysSo)
+{
+    const test::TreeCopy tree("no-idle");
+    EXPECT_EQ(1, measure(tree, {}));
+    EXPECT_EQ("quorvane_host: cpu-load: nothing changed, so there is no sample\n"
+              "quorvane_host: no sample was taken: collect longer with --time\n",
+              errors.str());
+}
+
+TEST_F(HostTest, ResultsThatCanNotAllBeWrittenAreAnError)
+{
+    const test::TreeCopy tree("four-cores");
+    fs::create_directories(path("run_temperature.csv"));
+    EXPECT_EQ(1, measure(tree, {"--output", path("run")}));
+    EXPECT_NE(std::string::npos, errors.str().find(path("run_temperature.csv") + " can't be written"));
+    EXPECT_NE("", test::contentOf(path("run_cpu-idle-states.csv")));
+    EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("Temperature Summary"));
+}
+
+// Sends the signal with the first text, which here is the progress line of a collection under way.
+class InterruptingBuffer : public std::stringbuf {
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize size) override
+    {
+        interrupt();
+        return std::stringbuf::xsputn(text, size);
+    }
+    int overflow(int c) override
+    {
+        interrupt();
+        return std::stringbuf::overflow(c);
+    }
+
+private:
+    void interrupt()
+    {
+        if (!m_isDone) std::raise(SIGINT);
+        m_isDone = true;
+    }
+    bool m_isDone = false;
+};
+
+TEST_F(HostTest, AnInterruptEndsTheCollectionAndAllIsWritten)
+{
+    const test::TreeCopy tree("four-cores");
+    InterruptingBuffer buffer;
+    std::ostream terminal(&buffer);
+    const auto start = std::chrono::steady_clock::now();
+    const int status = host::runHost({"--sysroot", tree.root(), "--time", "600", "--interval", "100", "--output",
+                                      path("run"), "--feature", "temperature"},
+                                     {out, terminal, true});
+    EXPECT_EQ(0, status);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::minutes(2));
+    EXPECT_NE(std::string::npos, buffer.str().find(" of 600.0 s, 2 samples")) << buffer.str();
+    EXPECT_NE(std::string::npos, out.str().find(" samples, 0 dropped points, files: "));
+    EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("board,27.8,27.8,27.80,27.80\n"));
+    EXPECT_EQ(SIG_DFL, std::signal(SIGINT, SIG_DFL));    // nothing of ours is left behind
+}
+
+// A clock that the test turns.
+class HandClock : public pwr::QVClockSource {
+public:
+    HandClock() : QVClockSource("hand", "hand", "turned by hand") {}
+    float getFreqMHz() override { return 1000; }
+    unsigned long long getTimestamp() override { return now; }
+    unsigned long long now = 5'000;
+};
+
+TEST(CollectionTest, OneTimestampServesARoundAndAClockThatStandsStillGivesNone)
+{
+    test::TestSession session;
+    const test::TreeCopy tree("no-idle");
+    pwr::SystemMetadata record = test::makeSystem(1000, 0);
+    record.buildTopology("0 0 0 -1 1 0 1 -1", 0);
+    pwr::DataHandleProvider::initTopology(record);
+    host::CpuLoad first{host::SystemTree(tree.root())};
+    host::CpuLoad second{host::SystemTree(tree.root())};
+    HandClock clock;
+    {
+        host::Collection collection(record, clock, {&first, &second});
+        collection.begin();
+        EXPECT_EQ(5'000u, record.startTSC);
+        const auto change = [&tree](int user) {
+            tree.write("proc/stat", "cpu0 " + std::to_string(user) + " 0 2000 90000 1000\n");
+        };
+        change(2000);
+        EXPECT_FALSE(collection.takeRound());
+        clock.now = 6'000;
+        EXPECT_TRUE(collection.takeRound());
+        change(3000);
+        clock.now = 5'500;    // set back
+        EXPECT_FALSE(collection.takeRound());
+        clock.now = 7'000;
+        EXPECT_TRUE(collection.takeRound());
+        EXPECT_EQ(7'000u, record.stopTSC);
+        EXPECT_TRUE(collection.end().empty());
+        EXPECT_EQ(4u, collection.getSamples());
+        // No counter stood behind the stream: it got nothing of what was handed in.
+        EXPECT_EQ(4u, collection.getDroppedPoints(host::PointCounter()));
+    }
+    ASSERT_EQ(4u, session.writer.points.size());
+    EXPECT_EQ(6'000u, session.writer.points[0].timestamp);
+    EXPECT_EQ(6'000u, session.writer.points[1].timestamp);
+    EXPECT_EQ(7'000u, session.writer.points[2].timestamp);
+}
+
+}    // namespace

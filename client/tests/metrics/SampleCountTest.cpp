@@ -1,0 +1,85 @@
+#include "metrics/MetricFixture.h"
+
+using namespace pwr;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+const char* const SAMPLED = "M Summary - Sampled: Total Samples Received";
+const char* const RESIDENCY = "M Summary: Total Samples Received";
+
+class SampleCountTest : public test::MetricFixture {};
+
+TEST_F(SampleCountTest, CountsDistinctTimestampsOfAnEntityWhateverItsDescriptors)
+{
+    system.qvaClockFreqMHz = 2000;
+    const EntityHandle* a = entity("A");
+    const EntityHandle* b = entity("B");
+    auto metric = makeMetric(Type::SampledValue);
+    metric->setEntityGroupInfo(FieldDescription("Core", ""));
+    metric->setDescriptorGroupInfo(FieldDescription("Sensor", ""));
+    for (const unsigned long long timestamp : {2'001'000ULL, 4'001'000ULL, 10'001'000ULL}) {
+        sample(*metric, timestamp, b, descriptor("x"), 1U);
+        sample(*metric, timestamp, b, descriptor("y"), 1U);
+        if (timestamp == 4'001'000ULL) sample(*metric, timestamp, a, descriptor("x"), 1U, 500'000);
+    }
+    metric->finalize();
+    EXPECT_THAT(columns(SAMPLED), ElementsAre("Core", "Total # of samples", "Min sampling interval (msec)",
+                                              "Max sampling interval (msec)", "Avg sampling interval (msec)"));
+    EXPECT_THAT(rows(SAMPLED), ElementsAre(ElementsAre("A", "1", "0.25", "0.25", "0.25"),
+                                           ElementsAre("B", "3", "1.00", "3.00", "2.00")));
+    EXPECT_EQ(TableMessageType::TABLE_LAYOUT, session.writer.tablesNamed(SAMPLED).front().type);
+}
+
+TEST_F(SampleCountTest, CombinationWithoutASampleHasARowOfZeros)
+{
+    const EntityHandle* silent = entity("silent");
+    const EntityHandle* heard = entity("heard");
+    const DataDescriptor* state = descriptor("C6");
+    auto metric = makeMetric(Type::SampledResidency);
+    metric->setEntityDescriptorCombinations({{silent, state}, {silent, nullptr}, {heard, state}});
+    sample(*metric, 2000, heard, state, 1U);
+    metric->finalize();
+    EXPECT_THAT(rows(RESIDENCY), ElementsAre(ElementsAre("heard", "1", "0.00", "0.00", "0.00"),
+                                             ElementsAre("silent", "0", "0.00", "0.00", "0.00")));
+}
+
+TEST_F(SampleCountTest, EntityNameThatRepeatsHasOneRow)
+{
+    auto metric = makeMetric(Type::SampledValue);
+    const EntityHandle* first = entity("same");
+    const EntityHandle* second = entity("same");
+    sample(*metric, 2000, first, nullptr, 1U);
+    sample(*metric, 3000, second, nullptr, 1U);
+    sample(*metric, 4000, second, nullptr, 1U);
+    metric->finalize();
+    ASSERT_EQ(1u, rows(SAMPLED).size());
+    EXPECT_EQ("1", rows(SAMPLED)[0][1]);
+}
+
+TEST_F(SampleCountTest, TableHasItsTitleFromTheConfigurationAndNoNotes)
+{
+    configure("ALL_FEAT_BOX_SAMPLE-COUNT_TITLE=Counted\n"
+              "ALL_FEAT_BOX_SAMPLE-COUNT_PRE-TABLE-TEXT=note\n");
+    auto metric = makeMetric(Type::SampledValue);
+    sample(*metric, 2000, entity("A"), nullptr, 1U);
+    metric->finalize();
+    const auto pushes = session.writer.tablesNamed("Counted Summary - Sampled: Total Samples Received");
+    ASSERT_EQ(2u, pushes.size());
+    EXPECT_THAT(pushes[0].preNotes, IsEmpty());
+    EXPECT_TRUE(pushes[0].isChildOfMetric);
+    EXPECT_EQ(metric->getId(), pushes[0].metricId);
+}
+
+TEST_F(SampleCountTest, TableThatIsTurnedOffIsNotMade)
+{
+    configure("ALL_FEAT_BOX_SAMPLE-COUNT_TABLE=NO\n");
+    auto metric = makeMetric(Type::SampledValue);
+    sample(*metric, 2000, entity("A"), nullptr, 1U);
+    metric->finalize();
+    EXPECT_TRUE(session.writer.tablesNamed(SAMPLED).empty());
+    EXPECT_EQ(5u, session.writer.tableTitles().size());
+}
+
+}    // namespace

@@ -1,0 +1,82 @@
+#include "runtime/Timer.h"
+
+#include "support/DoorGuard.h"
+#include "support/LogCapture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using pwr::Timer;
+
+class FakeClocks : public pwr::os::Clocks {
+public:
+    unsigned long long performanceCounter() override { return 0; }
+    unsigned long long performanceFrequencyHz() override { return 1; }
+    unsigned long long systemTime100ns() override { return now; }
+    unsigned long long timeStampCounter() override { return 0; }
+
+    unsigned long long now = 0;
+};
+
+class TimerTest : public testing::Test {
+protected:
+    TimerTest()
+    {
+        m_clocks.now = pwr::os::UNIX_EPOCH_100NS + 1000000;
+        m_door->clocks = &m_clocks;
+    }
+
+    void passUsecs(unsigned long long usecs) { m_clocks.now += usecs * 10; }
+
+    FakeClocks m_clocks;
+    test::DoorGuard m_door;
+    test::LogCapture m_log{4};
+};
+
+TEST_F(TimerTest, NamedTimerReportsAtInfoLevel)
+{
+    {
+        Timer timer("load %s");
+        passUsecs(2500000);
+    }
+    EXPECT_EQ("INFO: Total time elapsed during load %s = 2500000.00 usecs or 2.50 secs\n", m_log.debug());
+    m_log.clear();
+    m_log.environment().setVerbosity(3);
+    {
+        Timer timer("load");
+    }
+    EXPECT_EQ("", m_log.debug());
+}
+
+TEST_F(TimerTest, UnnamedTimerOnlyStores)
+{
+    double usecs = -1;
+    {
+        Timer timer(&usecs);
+        passUsecs(125);
+        EXPECT_EQ(-1, usecs);
+    }
+    EXPECT_DOUBLE_EQ(125, usecs);
+    {
+        Timer nowhere(static_cast<double*>(nullptr));
+    }
+    {
+        Timer silent{std::string()};
+    }
+    EXPECT_EQ("", m_log.debug());
+}
+
+TEST_F(TimerTest, ACopyMeasuresFromTheSameBeginning)
+{
+    double usecs = 0;
+    Timer first(&usecs);
+    {
+        passUsecs(100);
+        Timer second(first);
+        passUsecs(100);
+    }
+    EXPECT_DOUBLE_EQ(200, usecs);
+}
+
+}    // namespace

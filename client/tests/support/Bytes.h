@@ -1,0 +1,35 @@
+#pragma once
+
+#include "record/Serializer.h"
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+namespace test {
+
+// Bytes as they stand in a file: pairs of hexadecimal digits, and texts in single quotes.
+//
+//   bytes("02 00 'ab'")    // a text of two characters behind its length
+inline std::vector<char> bytes(const std::string& picture)
+{
+    std::vector<char> result;
+    for (std::size_t i = 0; i < picture.size(); ++i) {
+        if (picture[i] == ' ') continue;
+        if (picture[i] == '\'') {
+            while (picture[++i] != '\'') {
+                result.push_back(picture[i]);
+            }
+        } else {
+            result.push_back(static_cast<char>(std::strtoul(picture.substr(i++, 2).c_str(), nullptr, 16)));
+        }
+    }
+    return result;
+}
+
+inline pwr::Serializer stored(const std::string& picture)
+{
+    return pwr::Serializer(bytes(picture));
+}
+
+}    // namespace test
