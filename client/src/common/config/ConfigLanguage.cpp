@@ -14,6 +14,11 @@ struct StreamCloser {
     void operator()(FILE* fp) const { std::fclose(fp); }
 };
 
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\n' || c == '\r' || c == '\t';
+}
+
 // Moves what stands before `separator` from `rest` to `field`; false without one.
 bool takeField(std::string_view& field, std::string_view& rest, char separator)
 {
@@ -110,10 +115,11 @@ bool ConfigLanguage::rule_i(bool isDone, const char* name) const
 
 std::string_view ConfigLanguage::trim_i(std::string_view text)
 {
-    constexpr std::string_view BLANKS = " \n\r\t";
-    const std::size_t first = text.find_first_not_of(BLANKS);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 }    // namespace pwr

@@ -39,7 +39,7 @@ bool TableInfo::isKeySet(const std::string& key) const
 
 bool TableInfo::setKeyValuePair(const std::string& key, const std::string& value)
 {
-    if (m_entries.emplace(key, value).second) return true;
+    if (insert_i(key, value)) return true;
     QV_LOG_WARNING_FOR(OutputConfigParser::LOG_TAG,
                        "WARNING: Config table info (%s) entry already present for metric table\n", key.c_str());
     return false;
@@ -87,6 +87,11 @@ bool TableInfo::isConfigEntryYesOrNo(const std::string& key) const
 {
     const auto found = m_entries.find(key);
     return found != m_entries.end() && found->second == "YES";
+}
+
+bool TableInfo::insert_i(std::string_view key, std::string_view value)
+{
+    return m_entries.try_emplace(std::string(key), value).second;
 }
 
 WriterInterfaceConfigFileParser* WriterInterfaceConfigFileParser::s_instance = nullptr;

@@ -5,10 +5,12 @@
 #include <deque>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pwr {
 
+class OutputConfigParser;
 class SystemMetadata;
 
 // How one summary table is presented: the settings of an output configuration file, by key. A plain value.
@@ -35,8 +37,11 @@ public:
     bool suppressTotal() const;
 
 private:
+    friend class OutputConfigParser;    // insert_i(), for its many lines
+
     bool getConfigEntry(const std::string& key, std::string& value) const;
     bool isConfigEntryYesOrNo(const std::string& key) const;
+    bool insert_i(std::string_view key, std::string_view value);    // false when the key is set, which stays
 
     std::map<std::string, std::string> m_entries;
 };

@@ -142,15 +142,11 @@ void OutputConfigParser::value_i(const ConfigStatement& statement)
         table = metric.tables.emplace(statement.keyword, TableInfo()).first;
         metric.order.emplace_back(statement.keyword);
     }
-    const std::string key = text(statement.key);
-    if (table->second.isKeySet(key)) {
-        QV_LOG_WARNING_FOR(LOG_TAG,
-                           "WARNING: Config table info (%s) entry already present for metric table %s for metric "
-                           "container %s\n",
-                           key.c_str(), table->first.c_str(), m_metricKey.c_str());
-        return;
-    }
-    table->second.setKeyValuePair(key, text(trim_i(statement.value)));
+    if (table->second.insert_i(statement.key, trim_i(statement.value))) return;
+    QV_LOG_WARNING_FOR(LOG_TAG,
+                       "WARNING: Config table info (%s) entry already present for metric table %s for metric "
+                       "container %s\n",
+                       text(statement.key).c_str(), table->first.c_str(), m_metricKey.c_str());
 }
 
 // Settings of one metric mostly follow each other, so the last one is looked at first.

@@ -87,11 +87,11 @@ public:
     // Adds groups of four numbers separated by blanks (thread id, package id, core id, die id; "0x" is hexadecimal, -1
     // is none) and numbers the tree. With `coresPerModule` cores stand in modules and die ids are dropped. Groups that
     // are known change nothing; an incomplete last group and groups with a negative package, core or thread id are
-    // skipped.
+    // skipped. Only the low 32 bits of `coresPerModule` count; 0 is no modules.
     void buildTopology(const std::string& text, unsigned long long coresPerModule);
 
-    // Adds one thread with what is above it; a module id of -1 is none. False, with nothing added, when another id is
-    // negative. Numbers nothing.
+    // Adds one thread with what is above it; a module id of -1 is none. At each level a node with that id is taken for
+    // the one wanted, whatever its type. False, with nothing added, when another id is negative. Numbers nothing.
     bool addNode(int threadID, int coreID, int moduleID, int packageID);
 
     // Append the nodes of a type, in the order of their keys (package first). The nodes stay the tree's.
