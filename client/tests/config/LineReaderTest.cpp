@@ -108,7 +108,8 @@ TEST_F(LineReaderTest, AllLinesOfAFileLeaveOutTheEmptyOnes)
     LineReader::get_all_lines("no-such-file", lines, false);
     EXPECT_EQ("", m_log.errors());
     LineReader::get_all_lines("no-such-file", lines, true);
-    EXPECT_EQ("1ERROR: could NOT open file no-such-file!\n", m_log.errors());
+    LineReader::get_all_lines(".", lines, true);
+    EXPECT_EQ("1ERROR: could NOT open file no-such-file!\n1ERROR: could NOT open file .!\n", m_log.errors());
     EXPECT_EQ(4U, lines.size());
 }
 
