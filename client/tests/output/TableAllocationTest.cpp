@@ -2,68 +2,17 @@
 
 #include "output/WriterStream.h"
 #include "plugins/QuorvaneHost.h"
+#include "support/AllocationCount.h"
 #include "support/TestSession.h"
 #include "values/EntityHandle.h"
 #include "values/Handles.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
 #include <string>
 #include <vector>
 
 using namespace pwr;
-
-// Counts every allocation of this program: the library's objects are part of it.
-namespace {
-
-std::size_t g_allocations = 0;
-
-void* countedAllocation(std::size_t sizeBytes)
-{
-    ++g_allocations;
-    void* memory = std::malloc(sizeBytes > 0 ? sizeBytes : 1);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
-}
-
-}    // namespace
-
-void* operator new(std::size_t sizeBytes)
-{
-    return countedAllocation(sizeBytes);
-}
-
-void* operator new[](std::size_t sizeBytes)
-{
-    return countedAllocation(sizeBytes);
-}
-
-void* operator new(std::size_t sizeBytes, const std::nothrow_t&) noexcept
-{
-    return std::malloc(sizeBytes > 0 ? sizeBytes : 1);
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace {
 
@@ -117,10 +66,10 @@ protected:
 
     std::size_t allocationsOfRows(std::size_t from, std::size_t to, std::size_t skip)
     {
-        const std::size_t before = g_allocations;
+        const std::size_t before = test::allocationCount();
         for (std::size_t round = from; round < to; ++round)
             pushRow(round, skip);
-        return g_allocations - before;
+        return test::allocationCount() - before;
     }
 
     WalkingWriter m_writer;    // outlives the stream
