@@ -1,5 +1,7 @@
 #include "config/OutputConfig.h"
+#include "config/qv_configfile_parser.h"
 #include "record/SystemMetadata.h"
+#include "support/FakeCollector.h"
 #include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
@@ -59,6 +61,18 @@ TEST(DocsTest, OutputConfigurationExamplesDoWhatTheyAreSaidToDo)
     const pwr::SystemMetadata system;
     auto* config = pwr::WriterInterfaceConfigFileParser::instance();
     checkExamples("output-configuration.md", [&](const std::string& path) { return config->parse({path}, system); });
+    config->destroy();
+}
+
+TEST(DocsTest, CollectorConfigurationExamplesDoWhatTheyAreSaidToDo)
+{
+    const pwr::SystemMetadata system;
+    FakeCollector collector;
+    collector.provide("SYSFS", {"PATH", "FIELD"});
+    collector.provideConstants();
+    auto* config = pwr::QVConfigFileParser::instance();
+    checkExamples("collector-configuration.md",
+                  [&](const std::string& path) { return config->parse({path}, {&collector}, system); });
     config->destroy();
 }
 

@@ -1,6 +1,7 @@
 #include "output/WriterPlugin.h"
 
 #include "output/TableMessage.h"
+#include "runtime/Log.h"
 #include "values/EntityHandle.h"
 
 namespace {
@@ -15,6 +16,15 @@ std::string nameOf(const pwr::DataHandle* handle)
 WriterPlugin::WriterPlugin(const std::string& name) : Plugin(name) {}
 
 WriterPlugin::~WriterPlugin() = default;
+
+void WriterPlugin::addCapability(pwr::PluginCapability* capability)
+{
+    if (hasCapabilities_i()) {
+        QV_LOG_WARNING("WARNING: Illegal attempt to register a second capabliity for a writer plugin...ignored\n");
+        return;
+    }
+    Plugin::addCapability(capability);
+}
 
 bool WriterPlugin::flushContinuousResults(const pwr::SystemMetadata&)
 {

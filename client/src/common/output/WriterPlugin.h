@@ -13,6 +13,7 @@ class EntityHandle;
 class IdMessage;
 class Metric;
 class MetricContainerInfoMessage;
+class PluginCapability;
 class SystemMessage;
 class SystemMetadata;
 class TableMessage;
@@ -21,13 +22,17 @@ class TextMessage;
 
 // The base of everything that renders results. The stream calls the writeMessage() overloads on the producer's thread;
 // a plugin overrides those it takes an interest in. The host calls openOutput(), the end of the stream closeOutput().
+// A writer has exactly one capability, a WriterPluginCapability, which tells what tables it wants.
 //
 //   class CsvWriter : public WriterPlugin {
-//       int writeMessage(const pwr::TableMessage& table) override;    // getColumnTitles() and getRowValues() flatten
-//       it
+//       // getColumnTitles() and getRowValues() flatten the table
+//       int writeMessage(const pwr::TableMessage& table) override;
 //   };
 class QUORVANE_API WriterPlugin : public Plugin {
 public:
+    // Takes ownership of the first. A second is refused with a warning: it stays the caller's, untouched.
+    void addCapability(pwr::PluginCapability* capability) override;
+
     // Both return 0 on success. The result of closeOutput() is not looked at.
     virtual int openOutput() = 0;
     virtual int closeOutput() = 0;

@@ -15,6 +15,24 @@ struct id_config_t {
     auto operator<=>(const id_config_t&) const = default;
 };
 
+// The head of the record that a driver delivers for each sample; what follows it is the business of the collector and
+// of the plugin that the ids name. Time stamps are ticks.
+#pragma pack(push, 1)
+struct qv_driver_msg {
+    std::uint64_t tsc;
+    std::uint16_t reserved;
+    std::uint8_t plugin_id;
+    std::uint8_t metric_id;
+    std::uint8_t msg_id;
+};
+#pragma pack(pop)
+
+static_assert(sizeof(qv_driver_msg) == 13);
+static_assert(offsetof(qv_driver_msg, tsc) == 0);
+static_assert(offsetof(qv_driver_msg, plugin_id) == 10);
+static_assert(offsetof(qv_driver_msg, metric_id) == 11);
+static_assert(offsetof(qv_driver_msg, msg_id) == 12);
+
 // One PMT endpoint as the driver describes it. The reserved fields are not looked at by the library.
 #pragma pack(push, 1)
 struct _qv_aggregator_info {

@@ -3,6 +3,7 @@
 #include "runtime/Logger.h"
 
 #include <cstdint>
+#include <iterator>
 
 PluginEnvironment* g_pluginEnvironment = nullptr;
 
@@ -10,6 +11,11 @@ namespace {
 
 constexpr unsigned char CSTRACE_REGISTERED = 1U << 0;
 constexpr unsigned char CS_FEATURE_ENABLED = 1U << 1;
+
+// System states that the library itself knows; in the last two every message counts as a reset.
+constexpr unsigned int STATE_NORMAL = 1;
+constexpr unsigned int STATE_SUSPENDED = 4;
+constexpr unsigned int STATE_HIBERNATED = 5;
 
 void* closedHandle()
 {
@@ -253,4 +259,69 @@ void PluginEnvironment::queueMessage(const char* message)
 std::deque<std::string>& PluginEnvironment::getQueuedMessages()
 {
     return m_queuedMessages;
+}
+
+void PluginEnvironment::addSystemStateEvent(unsigned long long tsc, unsigned int state)
+{
+    m_systemStateEvents[tsc] = state;
+}
+
+void PluginEnvironment::removeLastSystemStateEvent()
+{
+    if (!m_systemStateEvents.empty()) m_systemStateEvents.erase(std::prev(m_systemStateEvents.end()));
+}
+
+const std::map<unsigned long long, unsigned int>& PluginEnvironment::getSystemStateEvents() const
+{
+    return m_systemStateEvents;
+}
+
+bool PluginEnvironment::checkAndRecordReset(id_config_t id, unsigned long long tsc)
+{
+    const auto [last, isFirst] = m_lastTimestamps.try_emplace(id, tsc);
+    if (isFirst) return false;
+
+    const unsigned int state = getCurrentSystemState(tsc);
+    const bool isReset =
+        checkPendingSystemStateEvent(last->second, tsc) || state == STATE_SUSPENDED || state == STATE_HIBERNATED;
+    if (isReset) m_resetEvents[{id, tsc}] = state;
+    last->second = tsc;
+    return isReset;
+}
+
+bool PluginEnvironment::checkResetOccurred() const
+{
+    return !m_resetEvents.empty();
+}
+
+unsigned long long PluginEnvironment::isSystemReset(unsigned char pluginId, unsigned char metricId, unsigned char msgId,
+                                                    unsigned long long tsc) const
+{
+    const auto found = m_resetEvents.find({id_config_t{pluginId, metricId, msgId}, tsc});
+    return found != m_resetEvents.end() ? found->second : 0;
+}
+
+std::pair<unsigned long long, unsigned long long> PluginEnvironment::getLastResetEvent(unsigned long long tsc) const
+{
+    if (m_systemStateEvents.empty()) return {0, 0};
+    const auto oldest = m_systemStateEvents.begin();
+    auto event = m_systemStateEvents.upper_bound(tsc);
+    if (event == m_systemStateEvents.end()) --event;
+    while (event != oldest && event->second != STATE_NORMAL)
+        --event;
+    if (event == oldest) return {0, 0};
+    return {std::prev(event)->first, event->first};
+}
+
+// The newest event below `tsc`: one exactly there has not taken effect yet.
+unsigned int PluginEnvironment::getCurrentSystemState(unsigned long long tsc) const
+{
+    const auto next = m_systemStateEvents.lower_bound(tsc);
+    return next != m_systemStateEvents.begin() ? std::prev(next)->second : STATE_NORMAL;
+}
+
+bool PluginEnvironment::checkPendingSystemStateEvent(unsigned long long first, unsigned long long last) const
+{
+    const auto event = m_systemStateEvents.lower_bound(first);
+    return event != m_systemStateEvents.end() && event->first <= last;
 }

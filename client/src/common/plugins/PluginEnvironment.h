@@ -112,7 +112,29 @@ public:
     void queueMessage(const char* message);
     std::deque<std::string>& getQueuedMessages();
 
+    // System states, by the tick they began at: 1 is normal; in 4 and 5 every message counts as a reset; the collector
+    // that reports them gives the other numbers their meaning.
+    void addSystemStateEvent(unsigned long long tsc, unsigned int state);    // a repeated tick overwrites
+    void removeLastSystemStateEvent();                                       // the latest tick; nothing without events
+    const std::map<unsigned long long, unsigned int>& getSystemStateEvents() const;
+
+    // The collector shows each message as it arrives. True, and recorded, when it follows a reset: a state event lies
+    // between it and the identity's message before (both ticks included), or the system is in state 4 or 5. The first
+    // message of an identity never does.
+    bool checkAndRecordReset(id_config_t id, unsigned long long tsc);
+    bool checkResetOccurred() const;    // any reset was recorded
+
+    // The state recorded for exactly this message; 0 for no reset.
+    unsigned long long isSystemReset(unsigned char pluginId, unsigned char metricId, unsigned char msgId,
+                                     unsigned long long tsc) const;
+
+    // The last change to the normal state around `tsc`: tick of the event before it, and its own; (0, 0) for none.
+    std::pair<unsigned long long, unsigned long long> getLastResetEvent(unsigned long long tsc) const;
+
 private:
+    unsigned int getCurrentSystemState(unsigned long long tsc) const;
+    bool checkPendingSystemStateEvent(unsigned long long first, unsigned long long last) const;
+
     unsigned short m_verbosity = 1;
     Logger* m_errorLogger = nullptr;
     Logger* m_debugLogger = nullptr;

@@ -18,6 +18,12 @@ void QuorvaneHost::addSupportedTableClass(WriterStream& stream, pwr::TableClass 
     stream.m_supportedTableClasses.insert(tableClass);
 }
 
+MetricPlugin::ProcessMessageCode QuorvaneHost::processMessage(MetricPlugin& plugin, const pwr::SystemMetadata& system,
+                                                              const qv_driver_msg* message)
+{
+    return plugin.processMessage(system, message);
+}
+
 int QuorvaneHost::addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child)
 {
     if (parent == nullptr || child == nullptr) return 1;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "output/TableTypes.h"
+#include "plugins/MetricPlugin.h"
 #include "runtime/Export.h"
 
 #include <set>
@@ -31,6 +32,11 @@ public:
 
     // Tells producers that some writer wants tables of this class.
     static void addSupportedTableClass(WriterStream& stream, pwr::TableClass tableClass);
+
+    // Delivers one driver message: one that follows a reset goes to the plugin's reset() first, which decides whether
+    // it is processed too. A null message goes straight to the plugin.
+    static MetricPlugin::ProcessMessageCode processMessage(MetricPlugin& plugin, const pwr::SystemMetadata& system,
+                                                           const qv_driver_msg* message);
 
     // Makes `child` a child of `parent`. Returns 0; 1 for null, and with a warning when it would make a cycle.
     static int addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child);
