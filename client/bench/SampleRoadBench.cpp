@@ -187,6 +187,58 @@ BENCHMARK(BM_SampledResidencyRoad)
     ->Args({512, 0})
     ->Args({64, 1'000'000});
 
+// The same promise; samples/s of amounts, and of numbers as events.
+void BM_SampledDeltaRoad(benchmark::State& state)
+{
+    runRoad(state, Metric::MetricType::SampledDelta, VALUES);
+}
+BENCHMARK(BM_SampledDeltaRoad)->ArgNames({"entities", "before"})->Args({8, 0})->Args({64, 0})->Args({512, 0});
+
+void BM_TracedEventRoad(benchmark::State& state)
+{
+    runRoad(state, Metric::MetricType::TracedEvent, VALUES);
+}
+BENCHMARK(BM_TracedEventRoad)->ArgNames({"entities", "before"})->Args({8, 0})->Args({64, 0})->Args({512, 0});
+
+// A million events of one entity, at most 1.5 times what as many values of a SampledValue cost; samples/s over that
+// number of distinct values.
+void runDistinctValues(benchmark::State& state, Metric::MetricType type)
+{
+    constexpr std::int64_t samples = 1'000'000;
+    Session session(1);
+    for (auto _ : state) {
+        Feeder feeder(session, type);
+        std::uint64_t count = 0;
+        for (std::int64_t fed = 0; fed < samples; ++fed)
+            feeder.feedRound([&] { return ++count * 7919 % static_cast<std::uint64_t>(state.range(0)); });
+    }
+    state.SetItemsProcessed(state.iterations() * samples);
+}
+
+void BM_TracedEventDistinctValues(benchmark::State& state)
+{
+    runDistinctValues(state, Metric::MetricType::TracedEvent);
+}
+BENCHMARK(BM_TracedEventDistinctValues)->ArgName("values")->Arg(1)->Arg(100)->Arg(10'000);
+
+void BM_SampledValueDistinctValues(benchmark::State& state)
+{
+    runDistinctValues(state, Metric::MetricType::SampledValue);
+}
+BENCHMARK(BM_SampledValueDistinctValues)->ArgName("values")->Arg(1)->Arg(100)->Arg(10'000);
+
+// The same promise; transitions/s between 16 values.
+void BM_TracedTransitionRoad(benchmark::State& state)
+{
+    runRoad(state, Metric::MetricType::TracedValueTransition, VALUES);
+}
+BENCHMARK(BM_TracedTransitionRoad)
+    ->ArgNames({"entities", "before"})
+    ->Args({8, 0})
+    ->Args({64, 0})
+    ->Args({512, 0})
+    ->Args({64, 1'000'000});
+
 // Values that never repeat are not searched: samples/s of 1,000 entities hardly fall from 10,000 to 100,000 values.
 void BM_ValuesThatNeverRepeat(benchmark::State& state)
 {

@@ -36,13 +36,15 @@ TEST_F(MetricAllocationTest, RunningMetricTakesNoMemoryForRepeatedSamples)
         for (const char* state : {"C0", "C1", "C6"})
             elements.emplace_back(about, descriptor(state));
     }
-    for (const Type type : {Type::SampledDelta, Type::SampledResidency, Type::SampledValue, Type::TracedEvent}) {
+    for (const Type type : {Type::SampledDelta, Type::SampledResidency, Type::SampledValue, Type::TracedValueTransition,
+                            Type::TracedEvent}) {
         auto metric = makeMetric(type);
         feed(*metric, elements, 32);    // all values are seen
         const std::size_t before = test::allocationCount();
         feed(*metric, elements, 100);
         EXPECT_EQ(before, test::allocationCount());
-        EXPECT_EQ(type == Type::TracedEvent ? 0u : 6u, metric->getData().elements.size());
+        const bool isTraced = type == Type::TracedValueTransition || type == Type::TracedEvent;
+        EXPECT_EQ(isTraced ? 0u : 6u, metric->getData().elements.size());
     }
 }
 

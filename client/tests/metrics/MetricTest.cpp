@@ -269,7 +269,7 @@ TEST_F(MetricTest, AccumulatorsAreInitialisedUntilAllSucceed)
     std::string calls;
     ScriptedAccumulator a("a", calls);
     ScriptedAccumulator b("b", calls);
-    auto metric = makeMetric(Type::SampledDelta);
+    auto metric = makeMetric(Type::SampledDelta, Quantity::data());
     EXPECT_EQ(0, metric->addAccumulator(&a));
     EXPECT_EQ(0, metric->addAccumulator(&b));
     b.initResult = 1;

@@ -16,6 +16,7 @@ TEST_F(SampleCountSummarizerTest, CountsPairsInOrderOfEntityAndDescriptor)
     const EntityHandle* a = entity("A");
     const EntityHandle* b = entity("B");
     SampleCountSummarizer counts(false, false, false);
+    configure("ALL_FEAT_BOX_SAMPLE-COUNT_TABLE=NO\n");    // the metric makes no such table itself
     auto metric = makeMetric(Type::TracedEvent);
     metric->addAccumulator(&counts);
     metric->setEntityDescriptorCombinations({{a, x}, {b, y}});

@@ -2,9 +2,12 @@
 
 #include "config/OutputConfig.h"
 #include "metrics/ElementKey.h"
+#include "metrics/SampledDeltaAccumulator.h"
 #include "metrics/SampledResidencyAccumulator.h"
 #include "metrics/SampledValueAccumulator.h"
 #include "metrics/SummaryChoice.h"
+#include "metrics/TracedEventAccumulator.h"
+#include "metrics/TracedTransitionAccumulator.h"
 #include "record/SystemMetadata.h"
 #include "runtime/Log.h"
 #include "values/Description.h"
@@ -331,10 +334,12 @@ std::unique_ptr<Accumulator> Metric::State::makeAccumulator(const std::deque<std
         return std::make_unique<SampledValueAccumulator>(summaries(SampledValueAccumulator::Summary{}));
     case MetricType::SampledResidency:
         return std::make_unique<SampledResidencyAccumulator>(summaries(SampledResidencyAccumulator::Summary{}));
-    case MetricType::SampledDelta:
     case MetricType::TracedValueTransition:
+        return std::make_unique<TracedTransitionAccumulator>(summaries(TracedTransitionAccumulator::Summary{}));
+    case MetricType::SampledDelta:
+        return std::make_unique<SampledDeltaAccumulator>(summaries(SampledDeltaAccumulator::Summary{}));
     case MetricType::TracedEvent:
-        return nullptr;
+        return std::make_unique<TracedEventAccumulator>(summaries(TracedEventAccumulator::Summary{}));
     }
     QV_LOG_WARNING("WARNING: %s: Unrecognized metric type\n", name.c_str());
     return nullptr;

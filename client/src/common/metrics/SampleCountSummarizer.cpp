@@ -111,8 +111,7 @@ std::string SampleCountSummarizer::title_i(const std::string& base) const
 
 void SampleCountSummarizer::addColumns_i(pwr::SummaryTable& table, const Metric& metric) const
 {
-    table.addGroupColumn(metric.getEntityGroupInfo(), DataType::HANDLE);
-    if (hasDescriptorColumn_i()) table.addGroupColumn(metric.getDescriptorGroupInfo(), DataType::HANDLE);
+    table.addPairColumns(metric, m_hasDescriptors && !m_perEntity);
     table.addColumn("Total # of samples", DataType::UINT);
     if (!m_showIntervals) return;
     table.addRealColumn("Min sampling interval (msec)");
@@ -124,9 +123,7 @@ void SampleCountSummarizer::pushRow_i(pwr::SummaryTable& table, std::uint64_t ke
 {
     const Record* found = m_records.find(key);
     const Record record = found != nullptr ? *found : Record();
-    unsigned int column = 0;
-    table.setHandle(column++, row.entity);
-    if (hasDescriptorColumn_i()) table.setHandle(column++, row.descriptor);
+    unsigned int column = table.setPair(row.entity, row.descriptor);
     table.set(column++, record.samples);
     QV_LOG_INFO("INFO: Key = %llu, Entity = %s, Min = %llu, Max = %llu\n", static_cast<unsigned long long>(key),
                 row.entity->getName().c_str(), static_cast<unsigned long long>(record.minInterval),

@@ -49,7 +49,6 @@ private:
     void addRow_i(std::uint64_t key, const Row& row);
     void addCombinations_i(const pwr::Metric& metric);
     std::string title_i(const std::string& base) const;
-    bool hasDescriptorColumn_i() const { return m_hasDescriptors && !m_perEntity; }
     void addColumns_i(pwr::SummaryTable& table, const pwr::Metric& metric) const;
     void pushRow_i(pwr::SummaryTable& table, std::uint64_t key, const Row& row) const;
     Intervals intervalsOf_i(const Record& record) const;

@@ -10,6 +10,8 @@ using pwr::DataElement;
 using pwr::DataType;
 using pwr::EntityHandle;
 using pwr::Metric;
+using pwr::ResidencyFigure;
+using pwr::ResidencyFigures;
 using pwr::SummaryTable;
 
 template <>
@@ -71,13 +73,10 @@ SampledResidencyAccumulator::Record& SampledResidencyAccumulator::recordOf_i(con
 void SampledResidencyAccumulator::makeTable_i(std::size_t summary, const pwr::TableRequest& request)
 {
     const auto type = static_cast<Summary>(summary);
-    const Figures figures{type != Summary::RESIDENCY_MILLISECOND, type != Summary::RESIDENCY_PERCENTAGE};
-    std::string title = request.title + " Summary: Residency";
-    if (figures.percent && figures.msec) {
-        title += " (Percentage and Time)";
-    } else {
-        title += figures.percent ? " (Percentage)" : " (Time)";
-    }
+    ResidencyFigures figures;
+    if (type != Summary::RESIDENCY_MILLISECOND) figures.push_back(ResidencyFigure::PERCENT);
+    if (type != Summary::RESIDENCY_PERCENTAGE) figures.push_back(ResidencyFigure::MSEC);
+    const std::string title = pwr::residencyTitle(request.title, figures);
     SummaryTable table(*m_stream, request.metric, title, makeNotes_i(request.info));
     if (request.info.isTableTransposed()) {
         fillTransposedTable_i(table, request.metric, figures);
@@ -88,13 +87,12 @@ void SampledResidencyAccumulator::makeTable_i(std::size_t summary, const pwr::Ta
 
 // Rows are states, each entity has columns of its own. An entity that only a combination names comes too late for the
 // layout: the table refuses its cells.
-void SampledResidencyAccumulator::fillTable_i(SummaryTable& table, const Metric& metric, Figures figures)
+void SampledResidencyAccumulator::fillTable_i(SummaryTable& table, const Metric& metric,
+                                              const ResidencyFigures& figures)
 {
     const unsigned int state = table.addSharedGroupColumn(metric.getDescriptorGroupInfo(), DataType::HANDLE);
-    unsigned int percent = 0;
-    unsigned int msec = 0;
-    if (figures.percent) percent = table.addRealColumn("Residency (%)");
-    if (figures.msec) msec = table.addRealColumn("Residency (msec)");
+    for (const ResidencyFigure figure : figures)
+        table.addRealColumn(pwr::residencyColumn("Residency", figure));
     for (const auto& entry : m_entities)
         table.addEntity(entry.second.handle);
     table.pushHeader();
@@ -102,28 +100,28 @@ void SampledResidencyAccumulator::fillTable_i(SummaryTable& table, const Metric&
     addCombinations_i(metric);
     for (const DataDescriptor* descriptor : validDescriptors_i()) {
         table.setHandle(state, descriptor);
-        for (const auto& entry : m_entities) {
-            const EntityHandle* entity = entry.second.handle;
-            if (figures.percent) table.set(entity, percent, percentage_i(entity, descriptor));
-            if (figures.msec) table.set(entity, msec, milliseconds_i(entity, descriptor));
+        unsigned int column = state;
+        for (const ResidencyFigure figure : figures) {
+            ++column;
+            for (const auto& entry : m_entities) {
+                const EntityHandle* entity = entry.second.handle;
+                table.set(entity, column, residencyOf_i(entity, descriptor, figure));
+            }
         }
         table.pushRow();
     }
 }
 
 // Rows are entities, each state has columns of its own: first all percentages, then all times.
-void SampledResidencyAccumulator::fillTransposedTable_i(SummaryTable& table, const Metric& metric, Figures figures)
+void SampledResidencyAccumulator::fillTransposedTable_i(SummaryTable& table, const Metric& metric,
+                                                        const ResidencyFigures& figures)
 {
     table.addGroupColumn(metric.getEntityGroupInfo(), DataType::HANDLE);
     addCombinations_i(metric);
     const std::vector<const DataDescriptor*> descriptors = validDescriptors_i();
-    if (figures.percent) {
+    for (const ResidencyFigure figure : figures) {
         for (const DataDescriptor* descriptor : descriptors)
-            table.addRealColumn(descriptor->getName() + " (%)");
-    }
-    if (figures.msec) {
-        for (const DataDescriptor* descriptor : descriptors)
-            table.addRealColumn(descriptor->getName() + " (msec)");
+            table.addRealColumn(pwr::residencyColumn(descriptor->getName(), figure));
     }
     table.pushHeader();
 
@@ -131,13 +129,9 @@ void SampledResidencyAccumulator::fillTransposedTable_i(SummaryTable& table, con
         const EntityHandle* entity = entry.second.handle;
         unsigned int column = 0;
         table.setHandle(column++, entity);
-        if (figures.percent) {
+        for (const ResidencyFigure figure : figures) {
             for (const DataDescriptor* descriptor : descriptors)
-                table.set(column++, percentage_i(entity, descriptor));
-        }
-        if (figures.msec) {
-            for (const DataDescriptor* descriptor : descriptors)
-                table.set(column++, milliseconds_i(entity, descriptor));
+                table.set(column++, residencyOf_i(entity, descriptor, figure));
         }
         table.pushRow();
     }
@@ -164,26 +158,15 @@ std::vector<const DataDescriptor*> SampledResidencyAccumulator::validDescriptors
     return valid;
 }
 
-double SampledResidencyAccumulator::percentage_i(const EntityHandle* entity, const DataDescriptor* descriptor) const
-{
-    const Record* record = countedRecord_i(entity, descriptor);
-    return record != nullptr ? record->residency / record->entity->totalDuration * 100.0 : 0.0;
-}
-
-double SampledResidencyAccumulator::milliseconds_i(const EntityHandle* entity, const DataDescriptor* descriptor) const
-{
-    const Record* record = countedRecord_i(entity, descriptor);
-    return record != nullptr ? record->residency / (m_clockMHz * 1000.0) : 0.0;
-}
-
-// Null for a pair without a sample.
-const SampledResidencyAccumulator::Record*
-SampledResidencyAccumulator::countedRecord_i(const EntityHandle* entity, const DataDescriptor* descriptor) const
+// 0 for a pair without a sample.
+double SampledResidencyAccumulator::residencyOf_i(const EntityHandle* entity, const DataDescriptor* descriptor,
+                                                  ResidencyFigure figure) const
 {
     const Record* record = m_records.find(pwr::elementKey(entity, descriptor));
-    if (record == nullptr) return nullptr;
+    if (record == nullptr) return 0.0;
+    const pwr::Residency residency{record->residency, record->entity->totalDuration};
     QV_LOG_INFO("INFO: timestamp freq=%lf residency=%llu, total duration=%llu\n", m_clockMHz,
-                pwr::saturate<unsigned long long>(record->residency),
-                pwr::saturate<unsigned long long>(record->entity->totalDuration));
-    return record;
+                pwr::saturate<unsigned long long>(residency.ticks),
+                pwr::saturate<unsigned long long>(residency.totalTicks));
+    return pwr::residencyValue(figure, residency, m_clockMHz);
 }

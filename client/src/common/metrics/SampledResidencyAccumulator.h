@@ -1,6 +1,7 @@
 #pragma once
 
 #include "metrics/ElementKey.h"
+#include "metrics/ResidencyFigures.h"
 #include "metrics/SummaryAccumulator.h"
 #include "metrics/UniqueSequence.h"
 #include "values/Data.h"
@@ -40,12 +41,6 @@ private:
         double residency = 0;    // ticks
     };
 
-    // Which figures a table shows.
-    struct Figures {
-        bool percent;
-        bool msec;
-    };
-
     void initialize_i(const pwr::Metric& metric) override;
     int processMessage_i(const pwr::Metric& metric) override;
     void makeTable_i(std::size_t summary, const pwr::TableRequest& request) override;
@@ -53,13 +48,13 @@ private:
     void addElement_i(const pwr::DataElement& element);
     Record& recordOf_i(const pwr::DataElement& element);
 
-    void fillTable_i(pwr::SummaryTable& table, const pwr::Metric& metric, Figures figures);
-    void fillTransposedTable_i(pwr::SummaryTable& table, const pwr::Metric& metric, Figures figures);
+    void fillTable_i(pwr::SummaryTable& table, const pwr::Metric& metric, const pwr::ResidencyFigures& figures);
+    void fillTransposedTable_i(pwr::SummaryTable& table, const pwr::Metric& metric,
+                               const pwr::ResidencyFigures& figures);
     void addCombinations_i(const pwr::Metric& metric);
     std::vector<const pwr::DataDescriptor*> validDescriptors_i() const;
-    double percentage_i(const pwr::EntityHandle* entity, const pwr::DataDescriptor* descriptor) const;
-    double milliseconds_i(const pwr::EntityHandle* entity, const pwr::DataDescriptor* descriptor) const;
-    const Record* countedRecord_i(const pwr::EntityHandle* entity, const pwr::DataDescriptor* descriptor) const;
+    double residencyOf_i(const pwr::EntityHandle* entity, const pwr::DataDescriptor* descriptor,
+                         pwr::ResidencyFigure figure) const;
 
     pwr::RecordsByKey<Record> m_records;
     std::map<std::uint64_t, Entity> m_entities;                                  // by id: the order of columns, or rows

@@ -49,13 +49,6 @@ double percentage(std::uint64_t part, std::uint64_t whole)
     return static_cast<double>(part) / static_cast<double>(whole) * 100.0;
 }
 
-std::string formatted(const Data& value)
-{
-    std::string text;
-    value.toFormattedString(text);
-    return text;
-}
-
 }    // namespace
 
 SampledValueAccumulator::SampledValueAccumulator(const std::list<Summary>& summaries)
@@ -147,8 +140,7 @@ void SampledValueAccumulator::makeMinMaxTable_i(const pwr::TableRequest& request
     const Metric& metric = request.metric;
     const std::string title = request.title + " Summary - Sampled: " + (withAverages ? "Min/Max/Avg" : "Min/Max");
     SummaryTable table(*m_stream, metric, title, makeNotes_i(request.info));
-    table.addGroupColumn(metric.getEntityGroupInfo(), DataType::HANDLE);
-    if (m_descriptorCount != 0) table.addGroupColumn(metric.getDescriptorGroupInfo(), DataType::HANDLE);
+    table.addPairColumns(metric, m_descriptorCount != 0);
     table.addColumn("Min" + m_units, m_valueType);
     table.addColumn("Max" + m_units, m_valueType);
     if (withAverages) {
@@ -162,9 +154,7 @@ void SampledValueAccumulator::makeMinMaxTable_i(const pwr::TableRequest& request
 
 void SampledValueAccumulator::pushMinMaxRow_i(SummaryTable& table, const Record& record, bool withAverages) const
 {
-    unsigned int column = 0;
-    table.setHandle(column++, record.entity);
-    if (m_descriptorCount != 0) table.setHandle(column++, record.group->descriptor);
+    unsigned int column = table.setPair(record.entity, record.group->descriptor);
     table.set(column++, record.minimum);
     table.set(column++, record.maximum);
     if (withAverages) {
@@ -249,9 +239,9 @@ void SampledValueAccumulator::fillTransposedTable_i(SummaryTable& table, const M
     }
     for (const auto& value : values) {
         if (figure == Figure::TIME_SHARE) {
-            table.addColumn(formatted(*value.value) + " (%)", DataType::REAL);
+            table.addColumn(value.text() + " (%)", DataType::REAL);
         } else {
-            addFigureColumn_i(table, formatted(*value.value), figure);
+            addFigureColumn_i(table, value.text(), figure);
         }
     }
     table.pushHeader();

@@ -39,6 +39,13 @@ bool SeenValues::IsBelow::operator()(const Data& a, const Data& b) const
     return secondEnd(a) < secondEnd(b);
 }
 
+std::string SeenValues::Entry::text() const
+{
+    std::string text;
+    value->toFormattedString(text);
+    return text;
+}
+
 std::size_t SeenValues::add(const Data& value)
 {
     const auto place = m_numbers.lower_bound(value);

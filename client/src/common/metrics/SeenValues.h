@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace pwr {
@@ -18,6 +19,8 @@ public:
     struct Entry {
         const Data* value;
         std::optional<std::size_t> number;
+
+        std::string text() const;    // as the value's formatter has it
     };
 
     // The number of the value, which joins the seen ones if it is new.

@@ -60,6 +60,8 @@ int SummaryAccumulator::initialize(const Metric& metric, const pwr::SystemMetada
 
 void SummaryAccumulator::initialize_i(const Metric&) {}
 
+void SummaryAccumulator::announceTable_i(const Metric&, const std::string&) const {}
+
 int SummaryAccumulator::processMessage(const Metric& metric)
 {
     if (m_summaries.empty()) {
@@ -76,6 +78,7 @@ int SummaryAccumulator::processMessage(const Metric& metric)
 int SummaryAccumulator::finalize(const Metric& metric)
 {
     for (const Entry& entry : m_summaries) {
+        announceTable_i(metric, entry.name);
         const pwr::TableRequest request(metric, entry.name, *m_outputConfig);
         if (entry.name != SAMPLE_COUNT) {
             makeTable_i(entry.number, request);

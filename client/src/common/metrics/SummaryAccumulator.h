@@ -54,6 +54,7 @@ protected:
     const pwr::TextNotes* makeNotes_i(const pwr::TableInfo& info);
 
     virtual void initialize_i(const pwr::Metric& metric);
+    virtual void announceTable_i(const pwr::Metric& metric, const std::string& tableType) const;
     virtual int processMessage_i(const pwr::Metric& metric) = 0;                            // 0, or 1 to report failure
     virtual void makeTable_i(std::size_t summary, const pwr::TableRequest& request) = 0;    // any but "SAMPLE-COUNT"
 

@@ -5,6 +5,7 @@
 #include "runtime/Log.h"
 #include "values/DataHandle.h"
 #include "values/Description.h"
+#include "values/EntityHandle.h"
 #include "values/Formatter.h"
 #include "values/Handles.h"
 
@@ -51,6 +52,12 @@ unsigned int SummaryTable::addSharedGroupColumn(const Field* group, DataType typ
     return m_fieldCount++;
 }
 
+unsigned int SummaryTable::addSharedColumn(const std::string& name, DataType type)
+{
+    m_table.addField(name, type, true);
+    return m_fieldCount++;
+}
+
 unsigned int SummaryTable::addColumn(const std::string& name, DataType type)
 {
     m_table.addField(name, type, false);
@@ -63,9 +70,21 @@ unsigned int SummaryTable::addRealColumn(const std::string& name)
     return m_fieldCount++;
 }
 
-void SummaryTable::pushHeader()
+void SummaryTable::addPairColumns(const Metric& metric, bool withDescriptors)
+{
+    addGroupColumn(metric.getEntityGroupInfo(), DataType::HANDLE);
+    if (withDescriptors) addGroupColumn(metric.getDescriptorGroupInfo(), DataType::HANDLE);
+    m_pairColumnCount = m_fieldCount;
+}
+
+void SummaryTable::create()
 {
     m_table.createTable();
+}
+
+void SummaryTable::pushHeader()
+{
+    create();
     pushRow();
 }
 
@@ -77,6 +96,13 @@ void SummaryTable::pushRow()
 void SummaryTable::setHandle(unsigned int field, const DataHandle* handle)
 {
     if (handle != nullptr) m_table.setField(field, *handle);
+}
+
+unsigned int SummaryTable::setPair(const EntityHandle* entity, const DataDescriptor* descriptor)
+{
+    setHandle(0, entity);
+    if (m_pairColumnCount > 1) setHandle(1, descriptor);
+    return m_pairColumnCount;
 }
 
 }    // namespace pwr

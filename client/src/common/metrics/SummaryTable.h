@@ -9,6 +9,7 @@ class WriterStream;
 
 namespace pwr {
 
+class DataDescriptor;
 class Metric;
 class TextNotes;
 
@@ -39,10 +40,15 @@ public:
     // gets a column without a name.
     unsigned int addGroupColumn(const Field* group, DataType type);
     unsigned int addSharedGroupColumn(const Field* group, DataType type);
+    unsigned int addSharedColumn(const std::string& name, DataType type);
     unsigned int addColumn(const std::string& name, DataType type);
     unsigned int addRealColumn(const std::string& name);    // two digits behind the point
 
+    // What leads the rows of entities or, `withDescriptors`, of pairs. First of all columns.
+    void addPairColumns(const Metric& metric, bool withDescriptors);
+
     void addEntity(const EntityHandle* entity) { m_table.addEntity(entity); }
+    void create();        // alone: for a table without a header
     void pushHeader();    // creates the table and sends it without values
     void pushRow();       // sends what was set; the cells are empty again afterwards
 
@@ -60,10 +66,14 @@ public:
 
     void setHandle(unsigned int field, const DataHandle* handle);    // null leaves the cell empty
 
+    // Fills the pair columns and gives the column behind them. Null leaves a cell empty.
+    unsigned int setPair(const EntityHandle* entity, const DataDescriptor* descriptor);
+
 private:
     WriterStream& m_stream;
     TableMessage m_table;
     unsigned int m_fieldCount = 0;
+    unsigned int m_pairColumnCount = 0;
 };
 
 }    // namespace pwr

@@ -1,5 +1,6 @@
 #include "plugins/QuorvaneHost.h"
 
+#include "metrics/ThermalSampleHandler.h"
 #include "output/WriterStream.h"
 #include "values/EntityHandle.h"
 
@@ -28,4 +29,9 @@ int QuorvaneHost::addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child)
 {
     if (parent == nullptr || child == nullptr) return 1;
     return parent->addChild(child);
+}
+
+void QuorvaneHost::destroyThermalSampleHandler()
+{
+    pwr::ThermalSampleHandler::destroy_i();
 }

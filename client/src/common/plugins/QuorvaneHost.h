@@ -40,4 +40,8 @@ public:
 
     // Makes `child` a child of `parent`. Returns 0; 1 for null, and with a warning when it would make a cycle.
     static int addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child);
+
+    // Ends the shared temperature metric, if any plugin used it, before UniqueId::destroy() and the next run's get().
+    // What was not released is not finalised.
+    static void destroyThermalSampleHandler();
 };

@@ -1,0 +1,217 @@
+#include "metrics/Accumulator.h"
+#include "metrics/MetricFixture.h"
+
+using namespace pwr;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+const std::string COUNT = "M Summary: Total Samples Received";
+const std::string RATE = "M Summary: Average Rate and Total";
+const std::string TOTAL = "M Summary: Total";
+
+// Lets the first initialisation of its metric fail.
+class LateAccumulator : public Accumulator {
+public:
+    ~LateAccumulator() override = default;
+    int initialize(const Metric&, const SystemMetadata&) override { return m_calls++ == 0 ? 1 : 0; }
+    int finalize(const Metric&) override { return 0; }
+    int processMessage(const Metric&) override { return 0; }
+
+private:
+    int m_calls = 0;
+};
+
+class SampledDeltaTest : public test::MetricFixture {
+protected:
+    static constexpr unsigned long long SECOND = 1'000'000'000;    // ticks
+
+    const EntityHandle* m_disk0 = entity("disk0");
+    const EntityHandle* m_disk1 = entity("disk1");
+    const DataDescriptor* m_read = descriptor("read");
+    const DataDescriptor* m_written = descriptor("written");
+};
+
+TEST_F(SampledDeltaTest, TotalOverItsTimeIsToldInTheRateQuantity)
+{
+    auto metric = makeMetric(Type::SampledDelta, Quantity::data());
+    metric->setEntityGroupInfo(FieldDescription("Disk", ""));
+    metric->setDescriptorGroupInfo(FieldDescription("Direction", ""));
+    sample(*metric, 1000 + SECOND, m_disk0, m_written, 4'000'000U);
+    sample(*metric, 1000 + SECOND, m_disk0, m_read, 500'000U);
+    sample(*metric, 1000 + 2 * SECOND, m_disk0, m_written, 6'000'000U);
+    sample(*metric, 1000 + 2 * SECOND, m_disk1, m_read, 1U);
+    metric->finalize();
+    EXPECT_THAT(session.writer.tableTitles(), ElementsAre(COUNT, RATE));
+    EXPECT_THAT(columns(RATE), ElementsAre("Disk", "Direction", "Average Rate (MB/s)", "Total (bytes)"));
+    EXPECT_THAT(rows(RATE), ElementsAre(ElementsAre("disk0", "read", "0.50", "500000.00"),
+                                        ElementsAre("disk0", "written", "5.00", "10000000.00"),
+                                        ElementsAre("disk1", "read", "0.00", "1.00"),
+                                        ElementsAre("Total", "", "5.50", "10500001.00")));
+    EXPECT_THAT(rows(COUNT).at(0), ElementsAre("disk0", "2", "1000.00", "1000.00", "1000.00"));
+}
+
+TEST_F(SampledDeltaTest, QuantityAndConfigurationDecideBetweenRateAndTotal)
+{
+    const std::string noRateForm = "WARNING: Rate conversion is not specified. Disabling rate calculations.\n";
+    const std::string noQuantity =
+        "WARNING: Quantity and rate conversion are not specified. Disabling rate calculations.\n";
+    const std::string hideRate = "ALL_FEAT_BOX_AVERAGE-RATE-TOTAL_TABLE=NO\n";
+    const std::string hideTotal = "ALL_FEAT_BOX_TOTAL-DELTA_TABLE=NO\n";
+    const std::string rateFirst = "ALL_FEAT_BOX_AVERAGE-RATE-TOTAL_TABLE=YES\n";
+    const std::string totalFirst = "ALL_FEAT_BOX_TOTAL-DELTA_TABLE=YES\n";
+    const struct {
+        const Quantity* quantity;
+        std::string config;
+        std::vector<std::string> titles;
+        std::string warning;
+    } cases[] = {
+        {Quantity::data(), "", {COUNT, RATE}, ""},
+        {Quantity::data(), totalFirst, {COUNT, RATE}, ""},
+        {Quantity::data(), hideRate, {COUNT}, ""},
+        {Quantity::power(), "", {COUNT, TOTAL}, noRateForm},
+        {Quantity::power(), totalFirst, {TOTAL, COUNT}, noRateForm},
+        {Quantity::power(), rateFirst, {COUNT, TOTAL}, noRateForm},                // the total has a place of its own
+        {Quantity::power(), rateFirst + hideTotal, {TOTAL, COUNT}, noRateForm},    // or takes that of the rate
+        {Quantity::power(), hideRate, {COUNT}, ""},
+        {nullptr, "", {COUNT, TOTAL}, noQuantity},
+        {nullptr, hideRate, {COUNT}, ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.config + (c.quantity != nullptr ? c.quantity->toQuantityString() : "no quantity"));
+        session.writer.clear();
+        session.log.clear();
+        configure(c.config);
+        auto metric = makeMetric(Type::SampledDelta, c.quantity);
+        sample(*metric, 2000, m_disk0, nullptr, 5U);
+        metric->finalize();
+        EXPECT_EQ(c.titles, session.writer.tableTitles());
+        EXPECT_EQ(c.warning == noRateForm ? 1u : 0u, session.log.count(noRateForm));
+        EXPECT_EQ(c.warning == noQuantity ? 1u : 0u, session.log.count(noQuantity));
+    }
+}
+
+TEST_F(SampledDeltaTest, SuppressedTotalSparesTheTotalTable)
+{
+    configure("ALL_FEAT_BOX_AVERAGE-RATE-TOTAL_SUPPRESS-TOTAL=YES\n"
+              "ALL_FEAT_BOX_TOTAL-DELTA_SUPPRESS-TOTAL=YES\n");
+    auto rated = makeMetric(Type::SampledDelta, Quantity::data());
+    auto total = makeMetric(Type::SampledDelta, Quantity::power());
+    for (Metric* metric : {rated.get(), total.get()}) {
+        sample(*metric, 1000 + SECOND, m_disk0, nullptr, 1.5);
+        sample(*metric, 1000 + SECOND, m_disk1, nullptr, 2.25);
+        metric->finalize();
+    }
+    EXPECT_THAT(rows(RATE), ElementsAre(ElementsAre("disk0", "0.00", "1.50"), ElementsAre("disk1", "0.00", "2.25")));
+    EXPECT_THAT(columns(TOTAL), ElementsAre("", "Total (mW)"));
+    EXPECT_THAT(rows(TOTAL),
+                ElementsAre(ElementsAre("disk0", "1.50"), ElementsAre("disk1", "2.25"), ElementsAre("Total", "3.75")));
+}
+
+TEST_F(SampledDeltaTest, PairWithoutASampleHasAnEmptyRowAndNoPartInTheSums)
+{
+    for (const Quantity* quantity : {Quantity::data(), Quantity::power()}) {
+        session.writer.clear();
+        auto metric = makeMetric(Type::SampledDelta, quantity);
+        metric->setEntityDescriptorCombinations({{m_disk1, m_read}, {m_disk0, m_written}, {m_disk0, m_read}});
+        sample(*metric, 1000 + SECOND, m_disk0, m_written, -3'000'000);
+        metric->finalize();
+        if (quantity == Quantity::data()) {
+            EXPECT_THAT(rows(RATE),
+                        ElementsAre(ElementsAre("", "", "", ""),
+                                    ElementsAre("disk0", "written", "-3.00", "-3000000.00"),
+                                    ElementsAre("", "", "", ""), ElementsAre("Total", "", "-3.00", "-3000000.00")));
+        } else {
+            EXPECT_THAT(rows(TOTAL),
+                        ElementsAre(ElementsAre("", "", ""), ElementsAre("disk0", "written", "-3000000.00"),
+                                    ElementsAre("", "", ""), ElementsAre("Total", "", "-3000000.00")));
+        }
+    }
+}
+
+TEST_F(SampledDeltaTest, TransposedTableHasDescriptorsAsRowsAndNoTotal)
+{
+    configure("ALL_FEAT_BOX_AVERAGE-RATE-TOTAL_TRANSPOSE=YES\n");
+    auto metric = makeMetric(Type::SampledDelta, Quantity::data());
+    metric->setDescriptorGroupInfo(FieldDescription("Direction", ""));
+    metric->setEntityDescriptorCombinations({{entity("silent"), m_written}});
+    sample(*metric, 1000 + SECOND, m_disk1, m_written, 7'000'000U);
+    sample(*metric, 1000 + SECOND, m_disk0, m_read, 2'000'000U);
+    sample(*metric, 1000 + SECOND, m_disk1, m_read, 3'000'000U);
+    metric->finalize();
+    const std::string rate = "Average Rate (MB/s)";
+    const std::string total = "Total (bytes)";
+    EXPECT_THAT(columns(RATE), ElementsAre("Direction", rate, total, rate, total));
+    EXPECT_THAT(rows(RATE), ElementsAre(ElementsAre("read", "2.00", "2000000.00", "3.00", "3000000.00"),
+                                        ElementsAre("written", "", "", "7.00", "7000000.00")));
+
+    session.writer.clear();
+    auto plain = makeMetric(Type::SampledDelta, Quantity::data());
+    sample(*plain, 1000 + SECOND, m_disk1, nullptr, 7'000'000U);
+    plain->finalize();
+    EXPECT_TRUE(rows(RATE).empty());    // the header alone
+}
+
+TEST_F(SampledDeltaTest, ResetsTakeNoTime)
+{
+    auto metric = makeMetric(Type::SampledDelta, Quantity::data());
+    sample(*metric, 2000, m_disk0, nullptr, 5U, Metric::RESET_DURATION);
+    sample(*metric, 2000, m_disk1, nullptr, 0U, Metric::RESET_DURATION);
+    metric->finalize();
+    EXPECT_THAT(rows(RATE).at(0), ElementsAre("disk0", "inf", "5.00"));
+    EXPECT_THAT(rows(RATE).at(1), ElementsAre("disk1", HasSubstr("nan"), "0.00"));
+}
+
+TEST_F(SampledDeltaTest, RangesAndTextsAreSummedAsFarAsTheyCanBe)
+{
+    auto ranges = makeMetric(Type::SampledDelta, Quantity::data());
+    auto texts = makeMetric(Type::SampledDelta, Quantity::power());
+    sample(*ranges, 1000 + SECOND, m_disk0, nullptr, std::make_pair(1'000'000ULL, 2'000'000ULL));
+    sample(*ranges, 1000 + 2 * SECOND, m_disk0, nullptr, std::make_pair(1'000'000ULL, 6'000'000ULL));
+    sample(*texts, 2000, m_disk0, nullptr, "much");
+    sample(*texts, 2000, m_disk1, nullptr, 2U);
+    EXPECT_EQ(0, ranges->finalize());
+    EXPECT_EQ(0, texts->finalize());
+    EXPECT_THAT(rows(RATE), ElementsAre(ElementsAre("disk0", "1.00 -- 4.00", "2000000.00 -- 8000000.00"),
+                                        ElementsAre("Total", "1.00 -- 4.00", "2000000.00 -- 8000000.00")));
+    EXPECT_THAT(rows(TOTAL),
+                ElementsAre(ElementsAre("disk0", ""), ElementsAre("disk1", "2.00"), ElementsAre("Total", "2.00")));
+    EXPECT_EQ(1u, session.log.count("WARNING: couldn't convert  to real!\n"));
+}
+
+TEST_F(SampledDeltaTest, RepeatedInitialisationGivesTheSameTables)
+{
+    configure("ALL_FEAT_BOX_AVERAGE-RATE-TOTAL_TABLE=YES\n"
+              "ALL_FEAT_BOX_TOTAL-DELTA_TABLE=NO\n");
+    LateAccumulator sibling;
+    auto metric = makeMetric(Type::SampledDelta, Quantity::power());
+    metric->addAccumulator(&sibling);
+    sample(*metric, 1000 + SECOND, m_disk0, nullptr, 1U);
+    sample(*metric, 1000 + 2 * SECOND, m_disk0, nullptr, 1U);
+    sample(*metric, 1000 + 3 * SECOND, m_disk0, nullptr, 1U);
+    metric->finalize();
+    EXPECT_EQ(2u, session.log.count("WARNING: Rate conversion is not specified."));
+    EXPECT_THAT(session.writer.tableTitles(), ElementsAre(TOTAL, COUNT));
+}
+
+// The configuration may ask for a table again, and so may a second call: only the entity of the total row is new.
+TEST_F(SampledDeltaTest, SecondFinalizeShowsTheSameFigures)
+{
+    auto metric = makeMetric(Type::SampledDelta, Quantity::data());
+    metric->setEntityDescriptorCombinations({{m_disk1, nullptr}});
+    sample(*metric, 1000 + SECOND, m_disk0, nullptr, 1'000'000U);
+    metric->finalize();
+    const auto first = rows(RATE);
+    EXPECT_EQ(3u, first.size());
+    session.writer.clear();
+    metric->finalize();
+    EXPECT_EQ(first, rows(RATE));
+
+    session.writer.clear();
+    sample(*metric, 1000 + 2 * SECOND, m_disk1, nullptr, 2'000'000U);    // the promised pair comes after all
+    metric->finalize();
+    EXPECT_THAT(rows(RATE).at(1), ElementsAre("disk1", "1.00", "2000000.00"));
+}
+
+}    // namespace
