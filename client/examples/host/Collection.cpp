@@ -4,28 +4,48 @@
 #include "system/System.h"
 #include "writers/PointCounter.h"
 
-#include "record/Clocks.h"
+#include "plugins/QuorvaneHost.h"
+#include "record/CollectionData.h"
+#include "record/Metadata.h"
 #include "record/SystemMetadata.h"
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 
 namespace host {
 
-Collection::Collection(pwr::SystemMetadata& record, pwr::QVClockSource& clock, const std::vector<Feature*>& features)
-    : m_record(record), m_clock(clock), m_features(features)
+Collection::Collection(pwr::SystemMetadata& record, CollectorPlugin& collector,
+                       const std::vector<FeaturePlugin*>& plugins)
+    : m_record(record), m_collector(collector), m_plugins(plugins)
 {
 }
 
-void Collection::begin()
+Collection::~Collection() = default;
+
+const Plugin* Collection::begin(const Params& params)
 {
-    m_lastTimestamp = m_clock.getTimestamp();
-    for (Feature* feature : m_features)
-        feature->readBaseline(m_lastTimestamp);
-    m_record.startTSC = m_record.stopTSC = m_lastTimestamp;
-    m_record.startTimeval = m_record.stopTimeval = pwr::QVNanoClock().getTimestamp();
-    for (Feature* feature : m_features)
-        feature->makeMetric(m_record);
+    m_params = params;
+    for (FeaturePlugin* plugin : m_plugins) {
+        if (!prepare_i(*plugin)) return plugin;
+    }
+    std::erase_if(m_messages, [this](const pwr::InputMsg* message) { return !m_collector.canCollectMessage(message); });
+    if (m_collector.startCollection(m_messages, m_record) != 0) return &m_collector;
+    m_collector.getCollectionResults(m_buffer);
+    deliver_i();
+    return nullptr;
+}
+
+bool Collection::prepare_i(FeaturePlugin& plugin)
+{
+    MetricPlugin::MetadataList metadata;
+    if (plugin.initialize(m_record) != 0) return false;
+    const int result = plugin.initializeCollection(m_messages, metadata, plugin.getName(), m_params, m_record);
+    for (const pwr::Metadata* record : metadata) {
+        m_metadata.emplace_back(record);
+        plugin.processMetadata(record);
+    }
+    return result == 0;
 }
 
 void Collection::run(double seconds, unsigned int intervalMs, StopSignal& stop, Progress& progress)
@@ -52,22 +72,44 @@ void Collection::run(double seconds, unsigned int intervalMs, StopSignal& stop, 
 
 bool Collection::takeRound()
 {
-    const unsigned long long timestamp = m_clock.getTimestamp();
-    if (timestamp <= m_lastTimestamp) return false;
-    for (Feature* feature : m_features)
-        feature->takeRound(timestamp);
-    m_lastTimestamp = timestamp;
-    m_record.stopTSC = timestamp;
-    m_record.stopTimeval = pwr::QVNanoClock().getTimestamp();
+    CollectionData summary;
+    if (m_collector.continuousCollectionTick() != 0) return false;
+    m_collector.getContinuousResult(m_buffer, summary);
+    m_record.stopTSC = summary.getStopTimestamp();
+    m_record.stopTimeval = summary.getStopTimeval();
+    deliver_i();
     return true;
 }
 
-std::vector<const Feature*> Collection::end()
+// Each record to the plugin of its number.
+void Collection::deliver_i()
 {
-    std::vector<const Feature*> failed;
+    std::size_t offset = 0;
+    while (const qv_driver_msg* message = m_buffer.next(offset)) {
+        const auto isReceiver = [message](const Plugin* plugin) { return plugin->getSID() == message->plugin_id; };
+        const auto plugin = std::find_if(m_plugins.begin(), m_plugins.end(), isReceiver);
+        if (plugin == m_plugins.end() ||
+            QuorvaneHost::processMessage(**plugin, m_record, message) == MetricPlugin::ProcessMessageCode::FAILED) {
+            ++m_failedRecords;
+        }
+    }
+    if (!m_buffer.isAtEnd(offset)) ++m_failedRecords;
+}
+
+std::vector<const FeaturePlugin*> Collection::end()
+{
+    CollectionData summary;
+    if (m_collector.stopCollection(summary) == 0) {
+        m_record.stopTSC = summary.getStopTimestamp();
+        m_record.stopTimeval = summary.getStopTimeval();
+    }
+    m_collector.getCollectionResults(m_buffer);
+    deliver_i();
+    std::vector<const FeaturePlugin*> failed;
     m_record.samplesProduced = getSamples();
-    for (Feature* feature : m_features) {
-        if (!feature->finish()) failed.push_back(feature);
+    for (FeaturePlugin* plugin : m_plugins) {
+        const bool isSent = plugin->finalizeCollection(plugin->getName(), m_params, m_record) == 0;
+        if (plugin->finalize(m_record) != 0 || !isSent) failed.push_back(plugin);
     }
     return failed;
 }
@@ -75,17 +117,17 @@ std::vector<const Feature*> Collection::end()
 std::uint64_t Collection::getSamples() const
 {
     std::uint64_t samples = 0;
-    for (const Feature* feature : m_features)
-        samples += feature->getSamples();
+    for (const FeaturePlugin* plugin : m_plugins)
+        samples += plugin->getSamples();
     return samples;
 }
 
 std::uint64_t Collection::getDroppedPoints(const PointCounter& counter) const
 {
     std::uint64_t dropped = 0;
-    for (const Feature* feature : m_features) {
-        const std::uint64_t arrived = counter.getPoints(feature->getMetricId());
-        dropped += feature->getRounds() - std::min(feature->getRounds(), arrived);
+    for (const FeaturePlugin* plugin : m_plugins) {
+        const std::uint64_t arrived = counter.getPoints(plugin->getMetricId());
+        dropped += plugin->getRounds() - std::min(plugin->getRounds(), arrived);
     }
     return dropped;
 }

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "features/Feature.h"
+#include "features/FeaturePlugin.h"
+#include "records/QVBuffer.h"
+
+#include "plugins/CollectorPlugin.h"
 
 #include <cstdint>
+#include <memory>
 #include <vector>
-
-namespace pwr {
-class QVClockSource;
-}
 
 namespace host {
 
@@ -15,19 +15,23 @@ class PointCounter;
 class Progress;
 class StopSignal;
 
-// The run loop: a baseline, then round after round in which every feature reads its sources under one timestamp, then
-// the tables. Record, clock and features are not owned.
+// The run loop: the plugins say which messages they need, the collector reads them at the start and then round after
+// round under one time stamp, each record goes to the plugin that its id names, and in the end the tables go out.
+// Record, collector and plugins are not owned; the plugins are numbered.
 //
-//   Collection collection(record, clock, features);
-//   collection.begin();
+//   Collection collection(record, *collector, plugins);
+//   if (collection.begin(params) != nullptr) return fail();
 //   collection.run(3.0, 100, stop, progress);
 //   collection.end();
 class Collection {
 public:
-    Collection(pwr::SystemMetadata& record, pwr::QVClockSource& clock, const std::vector<Feature*>& features);
+    using Params = Plugin::Params;
 
-    // Reads the baseline, which begins the collection in the record, and makes the metrics.
-    void begin();
+    Collection(pwr::SystemMetadata& record, CollectorPlugin& collector, const std::vector<FeaturePlugin*>& plugins);
+    ~Collection();
+
+    // Begins the collection in the record and takes the baselines. Returns null, or what refused; then nothing runs.
+    const Plugin* begin(const Params& params);
 
     // Takes a round each `intervalMs` until the time is over or a signal came, and one more at that moment. A round
     // that comes too late for its moment makes the next one not come sooner.
@@ -36,18 +40,27 @@ public:
     // One round now. False without one, when the clock has not moved on since the last.
     bool takeRound();
 
-    // Sends the tables, in the order of the features. Returns the features that took no sample or whose tables failed.
-    std::vector<const Feature*> end();
+    // Sends the tables, in the order of the plugins. Returns the plugins that took no sample or whose tables failed.
+    std::vector<const FeaturePlugin*> end();
 
     std::uint64_t getSamples() const;
+    // Records that found no plugin, or one that could not read them.
+    std::uint64_t getFailedRecords() const { return m_failedRecords; }
     // The rounds handed in to the metrics less the data points that reached the writers; after end().
     std::uint64_t getDroppedPoints(const PointCounter& counter) const;
 
 private:
+    bool prepare_i(FeaturePlugin& plugin);
+    void deliver_i();
+
     pwr::SystemMetadata& m_record;
-    pwr::QVClockSource& m_clock;
-    std::vector<Feature*> m_features;
-    unsigned long long m_lastTimestamp = 0;
+    CollectorPlugin& m_collector;
+    std::vector<FeaturePlugin*> m_plugins;
+    Params m_params;
+    std::vector<pwr::InputMsg*> m_messages;
+    std::vector<std::unique_ptr<const pwr::Metadata>> m_metadata;
+    QVBuffer m_buffer;
+    std::uint64_t m_failedRecords = 0;
 };
 
 }    // namespace host

@@ -63,12 +63,15 @@ struct Row {
 
 const Row ROWS[] = {
     {"--feature", "NAME", "the name of a feature",
-     "measure this feature (may be given several times); default: all found", addFeature},
+     "measure this feature or group of them (may be given several times); default: all found", addFeature},
     {"--time", "SECONDS", "a number of seconds above 0 and up to 1000000", "how long to collect; default: 3", setTime},
     {"--interval", "MS", "a whole number of milliseconds from 1 to 60000", "time between two samples; default: 100",
      setInterval},
     {"--output", "PREFIX", "the beginning of the files' names",
      "write PREFIX_summary.csv and one timeline PREFIX_<metric>.csv for each metric", setText<&Options::output>},
+    {"--config", "DIR", "a folder",
+     "what is collected, and how: all *.conf files of the folder, instead of the host's own",
+     setText<&Options::config>},
     {"--output-config", "FILE", "a file", "titles, notes and order of the tables, instead of the host's own",
      setText<&Options::outputConfig>},
     {"--sysroot", "DIR", "a folder", "measure the machine whose files stand below DIR; default: this machine",

@@ -11,6 +11,7 @@ struct Options {
     double seconds = 3;
     unsigned int intervalMs = 100;
     std::string output;          // prefix of the result files; empty: no files
+    std::string config;          // folder of the collector configuration; empty: the host's own
     std::string outputConfig;    // empty: the host's own
     std::string sysroot;         // empty: this machine
     bool list = false;

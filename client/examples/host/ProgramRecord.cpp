@@ -1,5 +1,6 @@
 #include "ProgramRecord.h"
 
+#include "plugins/Plugin.h"
 #include "record/SystemMetadata.h"
 
 #include <algorithm>
@@ -26,6 +27,12 @@ void describeProgram(pwr::SystemMetadata& record, const std::vector<std::string>
     record.commandLine.insert(record.commandLine.end(), arguments.begin(), arguments.end());
     constexpr unsigned int MAX = std::numeric_limits<std::uint16_t>::max();
     record.pollingIntervalMsecs = static_cast<std::uint16_t>(std::min(intervalMs, MAX));
+}
+
+void enroll(Plugin& plugin, pwr::SystemMetadata& record)
+{
+    plugin.setSID(static_cast<int>(record.sidToUuid.size()));
+    record.sidToUuid[plugin.getSID()] = plugin.getUUID();
 }
 
 }    // namespace host

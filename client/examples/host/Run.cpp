@@ -1,7 +1,8 @@
 #include "Run.h"
 
 #include "Collection.h"
-#include "OutputConfigFile.h"
+#include "ConfigFiles.h"
+#include "Platforms.h"
 #include "ProgramRecord.h"
 #include "Progress.h"
 #include "system/System.h"
@@ -10,11 +11,13 @@
 #include "writers/PointCounter.h"
 
 #include "config/OutputConfig.h"
+#include "config/qv_configfile_parser.h"
 #include "record/Clocks.h"
 
 #include <algorithm>
 #include <deque>
 #include <filesystem>
+#include <initializer_list>
 #include <ostream>
 #include <system_error>
 
@@ -25,7 +28,11 @@ Run::Run(const Options& options, const std::vector<std::string>& arguments, cons
 {
 }
 
-Run::~Run() = default;
+// The configuration goes before the collector that serves it.
+Run::~Run()
+{
+    pwr::QVConfigFileParser::instance()->destroy();
+}
 
 int Run::execute()
 {
@@ -34,27 +41,93 @@ int Run::execute()
         return fail_i(EXIT_RUN,
                       "there is no folder " + m_options.sysroot + ": give --sysroot one that holds sys and proc");
     }
+    m_session = std::make_unique<Session>(m_console.errors);
     m_machine = openMachine(m_options.sysroot);
-    m_features = m_machine->makeFeatures();
+    m_collector = m_machine->makeCollector(m_session->getClock());
+    enroll(*m_collector, m_record);
+    describe_i();
+    if (!loadCollectorConfig_i()) return EXIT_RUN;
+    openFeatures_i();
     if (m_options.list) return list_i();
     const int status = chooseFeatures_i();
     return status == EXIT_GOOD ? collect_i() : status;
 }
 
+// A machine without processors may still be listed.
+void Run::describe_i()
+{
+    describeProgram(m_record, m_arguments, m_options.intervalMs);
+    m_record.programStartTimeval = m_startTimeval;
+    m_isDescribed = m_machine->describe(m_record, m_remarks);
+    m_record.platformSpecifiers = platformSpecifiers(m_record);
+}
+
+bool Run::loadCollectorConfig_i()
+{
+    std::vector<std::string> files;
+    if (!listConfigFiles_i(files)) return false;
+    if (pwr::QVConfigFileParser::instance()->parse(files, {m_collector.get()}, m_record) == 0) return true;
+    fail_i(EXIT_RUN, std::filesystem::path(files.front()).parent_path().string() +
+                         " holds no good collector configuration: the lines before say where");
+    return false;
+}
+
+bool Run::listConfigFiles_i(std::vector<std::string>& files) const
+{
+    std::error_code ignored;
+    const bool isGiven = !m_options.config.empty();
+    if (isGiven && !std::filesystem::is_directory(m_options.config, ignored)) {
+        fail_i(EXIT_RUN, "there is no folder " + m_options.config + ": give --config one that holds *.conf files");
+        return false;
+    }
+    const std::string& program = m_session->getEnvironment().getQuorvaneDirectory();
+    const std::string folder = isGiven ? m_options.config : findCollectorConfig(program);
+    files = listCollectorConfig(folder, m_options.outputConfig);
+    if (!files.empty()) return true;
+    fail_i(EXIT_RUN, isGiven ? folder + " holds no collector configuration: give --config a folder with *.conf files"
+                             : "the host's own configuration was not found: give --config a folder with *.conf files");
+    return false;
+}
+
+void Run::openFeatures_i()
+{
+    const std::string platforms = choosePlatforms(m_record);
+    m_params = {{SourceRequirement::PLATFORMS, platforms}};
+    m_features = makeFeatures(platforms);
+    for (const Feature& feature : m_features)
+        enroll(feature.getPlugin(), m_record);
+}
+
 int Run::list_i()
 {
-    for (const std::unique_ptr<Feature>& feature : m_features) {
-        std::string reason;
-        const bool isOffered = feature->find(reason);
-        std::string name = feature->getName();
-        name.resize(std::max<std::size_t>(name.size(), 14), ' ');
-        m_console.out << name << feature->getDescription() << '\n';
-        if (!isOffered) m_console.out << std::string(14, ' ') << "not offered here: " << reason << '\n';
-        for (const std::string& remark : feature->getRemarks())
-            m_console.out << std::string(14, ' ') << remark << '\n';
+    const std::string indent(14, ' ');
+    takeRemarks_i();
+    for (const Feature& feature : m_features) {
+        if (feature.isHidden()) continue;
+        std::string name = feature.getName();
+        name.resize(std::max(name.size() + 1, indent.size()), ' ');
+        m_console.out << name << feature.getDescription() << '\n';
+        if (!feature.isAvailable(m_record, m_params))
+            m_console.out << indent << "not offered here: " << feature.explain(m_record, m_params) << '\n';
+        for (const std::string& remark : feature.getPlugin().getRemarks())
+            m_console.out << indent << remark << '\n';
     }
     m_console.out.flush();
     return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the list could not be printed");
+}
+
+// The baselines of a collection that is not gone on with tell what would be left out.
+void Run::takeRemarks_i()
+{
+    std::vector<FeaturePlugin*> plugins;
+    for (const Feature& feature : m_features) {
+        FeaturePlugin& plugin = feature.getPlugin();
+        const bool isUsable =
+            feature.isAvailable(m_record, m_params) &&
+            plugin.getDynamicHelpDisplayType(plugin.getName(), m_params, m_record) == QVDynamicHelpType::MESSAGES;
+        if (isUsable) plugins.push_back(&plugin);
+    }
+    Collection(m_record, *m_collector, plugins).begin(m_params);
 }
 
 int Run::chooseFeatures_i()
@@ -63,66 +136,56 @@ int Run::chooseFeatures_i()
         const int status = chooseNamed_i(name);
         if (status != EXIT_GOOD) return status;
     }
-    if (m_options.features.empty()) chooseFound_i();
-    if (m_chosen.empty()) return fail_i(EXIT_RUN, "this machine offers no feature: --list tells why");
-    for (const Feature* feature : m_chosen) {
-        for (const std::string& remark : feature->getRemarks())
-            say_i(feature->getName() + ": " + remark);
+    for (const Feature& feature : m_features) {
+        if (m_options.features.empty() && !feature.isHidden()) choose_i(feature);
     }
+    if (m_chosen.empty()) return fail_i(EXIT_RUN, "this machine offers no feature: --list tells why");
     return EXIT_GOOD;
 }
 
+// Of a group those that are offered.
 int Run::chooseNamed_i(const std::string& name)
 {
-    const auto hasName = [&name](const std::unique_ptr<Feature>& feature) { return feature->getName() == name; };
-    const auto feature = std::find_if(m_features.begin(), m_features.end(), hasName);
-    if (feature == m_features.end()) {
+    const Feature* known = nullptr;
+    bool isOffered = false;
+    for (const Feature& feature : m_features) {
+        if (!feature.answersTo(name)) continue;
+        if (known == nullptr) known = &feature;
+        isOffered = choose_i(feature) || isOffered;
+    }
+    if (known == nullptr) {
         return fail_i(EXIT_USAGE, "there is no feature '" + name + "' here: --list tells the names");
     }
-    std::string reason;
-    if (!(*feature)->find(reason)) {
-        return fail_i(EXIT_RUN,
-                      "this machine does not offer '" + name + "', since " + reason + ": --list tells what it offers");
-    }
-    m_chosen.push_back(feature->get());
-    return EXIT_GOOD;
+    if (isOffered) return EXIT_GOOD;
+    return fail_i(EXIT_RUN, "this machine does not offer '" + name + "', which " + known->explain(m_record, m_params) +
+                                ": --list tells what it offers");
 }
 
-void Run::chooseFound_i()
+// False when it is not offered. Each is chosen once.
+bool Run::choose_i(const Feature& feature)
 {
-    for (const std::unique_ptr<Feature>& feature : m_features) {
-        std::string ignored;
-        if (feature->find(ignored)) m_chosen.push_back(feature.get());
-    }
+    FeaturePlugin* plugin = &feature.getPlugin();
+    if (std::find(m_chosen.begin(), m_chosen.end(), plugin) != m_chosen.end()) return true;
+    if (!feature.isAvailable(m_record, m_params)) return false;
+    m_chosen.push_back(plugin);
+    return true;
 }
 
 int Run::collect_i()
 {
-    m_session = std::make_unique<Session>(m_console.errors);
-    if (!describe_i() || !loadOutputConfig_i()) return EXIT_RUN;
+    for (const std::string& remark : m_remarks)
+        say_i(remark);
+    if (!m_isDescribed) return fail_i(EXIT_RUN, "no processor was found: is --sysroot the root of a system?");
+    if (!m_session->useRecord(m_record)) {
+        return fail_i(EXIT_RUN, "the machine's topology could not be taken over");
+    }
+    if (!loadOutputConfig_i()) return EXIT_RUN;
     orderFeatures_i();
     CsvWriter csv(m_options.output);
     if (!m_options.output.empty() && csv.openOutput() != 0) {
         return fail_i(EXIT_RUN, csv.getError() + ": give --output a prefix that can be written");
     }
     return measure_i(csv);
-}
-
-bool Run::describe_i()
-{
-    describeProgram(m_record, m_arguments, m_options.intervalMs);
-    m_record.programStartTimeval = m_startTimeval;
-    std::vector<std::string> remarks;
-    const bool isDescribed = m_machine->describe(m_record, remarks);
-    for (const std::string& remark : remarks)
-        say_i(remark);
-    if (!isDescribed) {
-        fail_i(EXIT_RUN, "no processor was found: is --sysroot the root of a system?");
-        return false;
-    }
-    if (m_session->useRecord(m_record)) return true;
-    fail_i(EXIT_RUN, "the machine's topology could not be taken over");
-    return false;
 }
 
 bool Run::loadOutputConfig_i()
@@ -146,11 +209,11 @@ void Run::orderFeatures_i()
 {
     std::deque<std::string> order;
     pwr::WriterInterfaceConfigFileParser::instance()->getFeatureOrder(order);
-    const auto rank = [&order](const Feature* feature) {
-        return std::find(order.begin(), order.end(), feature->getSwitchTag()) - order.begin();
+    const auto rank = [&order](const FeaturePlugin* plugin) {
+        return std::find(order.begin(), order.end(), plugin->getSwitchTag()) - order.begin();
     };
     std::stable_sort(m_chosen.begin(), m_chosen.end(),
-                     [&rank](const Feature* a, const Feature* b) { return rank(a) < rank(b); });
+                     [&rank](const FeaturePlugin* a, const FeaturePlugin* b) { return rank(a) < rank(b); });
 }
 
 int Run::measure_i(CsvWriter& csv)
@@ -161,23 +224,38 @@ int Run::measure_i(CsvWriter& csv)
     stream.addWriter(counter);
     stream.addWriter(tables);
     if (!m_options.output.empty()) stream.addWriter(csv);
+    for (WriterPlugin* writer : std::initializer_list<WriterPlugin*>{&counter, &tables, &csv})
+        enroll(*writer, m_record);
     if (!stream.open(m_session->getEnvironment(), m_record))
         return fail_i(EXIT_RUN, "the writers could not be reached");
 
-    Collection collection(m_record, m_session->getClock(), m_chosen);
+    Collection collection(m_record, *m_collector, m_chosen);
     StopSignal stop;    // until all is written
     Progress progress(m_console.errors, m_console.showsProgress);
-    collection.begin();
+    if (!begin_i(collection)) return EXIT_RUN;
     collection.run(m_options.seconds, m_options.intervalMs, stop, progress);
-    const std::vector<const Feature*> failed = collection.end();
+    const std::vector<const FeaturePlugin*> failed = collection.end();
     m_record.samplesDropped = collection.getDroppedPoints(counter);
     m_record.programStopTimeval = pwr::QVNanoClock().getTimestamp();
     stream.close();
     return report_i(failed, collection, counter, csv);
 }
 
-int Run::report_i(const std::vector<const Feature*>& failed, const Collection& collection, const PointCounter& counter,
-                  const CsvWriter& csv)
+bool Run::begin_i(Collection& collection) const
+{
+    if (const Plugin* refuser = collection.begin(m_params)) {
+        fail_i(EXIT_RUN, "the collection could not begin: " + refuser->getUUID() + " refused its messages");
+        return false;
+    }
+    for (const FeaturePlugin* plugin : m_chosen) {
+        for (const std::string& remark : plugin->getRemarks())
+            say_i(plugin->getName() + ": " + remark);
+    }
+    return true;
+}
+
+int Run::report_i(const std::vector<const FeaturePlugin*>& failed, const Collection& collection,
+                  const PointCounter& counter, const CsvWriter& csv)
 {
     std::string files;
     for (const std::string& file : csv.getFiles())
@@ -188,18 +266,21 @@ int Run::report_i(const std::vector<const Feature*>& failed, const Collection& c
                   << std::endl;
 
     if (!remarkOnFailures_i(failed)) return EXIT_RUN;
+    if (collection.getFailedRecords() > 0) {
+        return fail_i(EXIT_RUN, std::to_string(collection.getFailedRecords()) + " records could not be processed");
+    }
     if (!csv.getError().empty()) return fail_i(EXIT_RUN, csv.getError() + ": the files are not complete");
     return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the tables could not be printed");
 }
 
 // A feature whose sources stood still is nothing bad; it is when all did.
-bool Run::remarkOnFailures_i(const std::vector<const Feature*>& failed) const
+bool Run::remarkOnFailures_i(const std::vector<const FeaturePlugin*>& failed) const
 {
-    for (const Feature* feature : failed) {
-        say_i(feature->getName() + (feature->getSamples() == 0 ? ": nothing changed, so there is no sample"
-                                                               : ": some of its tables could not be made"));
+    for (const FeaturePlugin* plugin : failed) {
+        say_i(plugin->getName() + (plugin->getSamples() == 0 ? ": nothing changed, so there is no sample"
+                                                             : ": some of its tables could not be made"));
     }
-    const auto hasSamples = [](const Feature* feature) { return feature->getSamples() != 0; };
+    const auto hasSamples = [](const FeaturePlugin* plugin) { return plugin->getSamples() != 0; };
     if (std::any_of(failed.begin(), failed.end(), hasSamples)) return false;
     if (failed.size() < m_chosen.size()) return true;
     fail_i(EXIT_RUN, "no sample was taken: collect longer with --time");

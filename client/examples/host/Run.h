@@ -3,7 +3,8 @@
 #include "Host.h"
 #include "Options.h"
 #include "Session.h"
-#include "features/Feature.h"
+#include "collector/Collector.h"
+#include "features/Features.h"
 #include "machine/Machine.h"
 
 #include "record/SystemMetadata.h"
@@ -17,8 +18,8 @@ class Collection;
 class CsvWriter;
 class PointCounter;
 
-// One run of the host: chooses features, describes the machine, collects, and reports. Each step that fails has told
-// the user why. Used once.
+// One run of the host: describes the machine, loads the configuration, chooses features, collects, and reports. Each
+// step that fails has told the user why. Used once.
 class Run {
 public:
     Run(const Options& options, const std::vector<std::string>& arguments, const Console& console);
@@ -27,18 +28,23 @@ public:
     int execute();    // an exit status
 
 private:
+    void describe_i();
+    bool loadCollectorConfig_i();
+    bool listConfigFiles_i(std::vector<std::string>& files) const;
+    void openFeatures_i();
     int list_i();
+    void takeRemarks_i();
     int chooseFeatures_i();
     int chooseNamed_i(const std::string& name);
-    void chooseFound_i();
+    bool choose_i(const Feature& feature);
     int collect_i();
-    bool describe_i();
     bool loadOutputConfig_i();
     void orderFeatures_i();
     int measure_i(CsvWriter& csv);
-    int report_i(const std::vector<const Feature*>& failed, const Collection& collection, const PointCounter& counter,
-                 const CsvWriter& csv);
-    bool remarkOnFailures_i(const std::vector<const Feature*>& failed) const;
+    bool begin_i(Collection& collection) const;
+    int report_i(const std::vector<const FeaturePlugin*>& failed, const Collection& collection,
+                 const PointCounter& counter, const CsvWriter& csv);
+    bool remarkOnFailures_i(const std::vector<const FeaturePlugin*>& failed) const;
     int fail_i(int status, const std::string& text) const;
     void say_i(const std::string& text) const;
 
@@ -47,11 +53,15 @@ private:
     Console m_console;
     std::uint64_t m_startTimeval = 0;
     std::unique_ptr<Machine> m_machine;
-    // The session ends last: record, metrics and writers live in it.
+    // The session ends last: record, plugins, metrics and writers live in it.
     std::unique_ptr<Session> m_session;
     pwr::SystemMetadata m_record;
-    std::vector<std::unique_ptr<Feature>> m_features;
-    std::vector<Feature*> m_chosen;
+    bool m_isDescribed = false;
+    std::vector<std::string> m_remarks;    // on the machine
+    std::unique_ptr<Collector> m_collector;
+    Plugin::Params m_params;    // for the plugins
+    std::vector<Feature> m_features;
+    std::vector<FeaturePlugin*> m_chosen;
 };
 
 }    // namespace host

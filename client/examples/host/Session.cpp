@@ -2,6 +2,7 @@
 
 #include "config/OutputConfig.h"
 #include "output/WriterMessage.h"
+#include "plugins/PluginCapability.h"
 #include "plugins/QuorvaneHost.h"
 #include "record/SystemMetadata.h"
 #include "values/DataHandleProvider.h"
@@ -22,7 +23,7 @@ Session::Session(std::ostream& errors) : m_errorLogger(errors), m_previous(g_plu
     m_environment.setErrorLogger(&m_errorLogger);
     m_environment.setDebugLogger(&m_errorLogger);
     m_environment.setNullLogger(&m_silentLogger);
-    m_environment.setDefaultClock(&m_clock);
+    m_environment.setDefaultClock(&m_clock.getSource());
     g_pluginEnvironment = &m_environment;
     pwr::UniqueId::initialize();
 }
@@ -36,7 +37,7 @@ Session::~Session()
 
 bool Session::useRecord(pwr::SystemMetadata& record)
 {
-    record.qvaClockFreqMHz = m_clock.getFreqMHz();
+    record.qvaClockFreqMHz = m_clock.getSource().getFreqMHz();
     // The time stamp counter runs at the base frequency where that is known.
     const float tscMHz = record.cpuFreqMHz > 0 ? record.cpuFreqMHz : record.qvaClockFreqMHz;
     m_environment.setDefaultClockToTSCRatio(record.qvaClockFreqMHz, tscMHz);
@@ -45,7 +46,6 @@ bool Session::useRecord(pwr::SystemMetadata& record)
 
 void OutputStream::addWriter(WriterPlugin& writer)
 {
-    writer.setSID(static_cast<int>(m_writers.size()));
     m_writers.insert(&writer);
 }
 
@@ -53,11 +53,24 @@ bool OutputStream::open(PluginEnvironment& environment, pwr::SystemMetadata& rec
 {
     m_stream = QuorvaneHost::createWriterStream(m_writers);
     environment.setWriterStream(m_stream);
+    tellTableClasses_i();
     if (pwr::DataHandleProvider::addStream(m_stream) != 0) return false;
-    for (const WriterPlugin* writer : m_writers)
-        record.sidToUuid[writer->getSID()] = writer->getUUID();
     pwr::SystemMessage message(record);
     return m_stream->pushMessage(message) == 0;
+}
+
+void OutputStream::tellTableClasses_i()
+{
+    for (const WriterPlugin* writer : m_writers) {
+        Plugin::Capabilities capabilities;
+        writer->getAllCapabilities(capabilities);
+        for (const pwr::PluginCapability* capability : capabilities) {
+            const auto* output = dynamic_cast<const pwr::WriterPluginCapability*>(capability);
+            if (output == nullptr) continue;
+            for (const pwr::TableClass tableClass : output->getSupportedTables())
+                QuorvaneHost::addSupportedTableClass(*m_stream, tableClass);
+        }
+    }
 }
 
 void OutputStream::close()

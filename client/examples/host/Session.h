@@ -1,9 +1,10 @@
 #pragma once
 
+#include "system/MachineClock.h"
+
 #include "output/WriterPlugin.h"
 #include "output/WriterStream.h"
 #include "plugins/PluginEnvironment.h"
-#include "record/Clocks.h"
 #include "runtime/Logger.h"
 
 #include <iosfwd>
@@ -43,7 +44,7 @@ public:
     Session& operator=(const Session&) = delete;
 
     PluginEnvironment& getEnvironment() { return m_environment; }
-    pwr::QVClockSource& getClock() { return m_clock; }
+    MachineClock& getClock() { return m_clock; }
 
     // Mirrors the record's topology as entities, and stamps samples in the clock that it names. False when the library
     // refuses.
@@ -52,7 +53,7 @@ public:
 private:
     StreamLogger m_errorLogger;
     SilentLogger m_silentLogger;
-    pwr::QVNanoClock m_clock;
+    SystemClock m_clock;
     PluginEnvironment m_environment;
     PluginEnvironment* m_previous;
 };
@@ -67,11 +68,13 @@ public:
 
     void addWriter(WriterPlugin& writer);    // before open()
 
-    // Announces all that is known so far, and the record, to the writers.
+    // Announces all that is known so far, and the record, to the writers, and the tables that they want to producers.
     bool open(PluginEnvironment& environment, pwr::SystemMetadata& record);
     void close();
 
 private:
+    void tellTableClasses_i();
+
     std::set<WriterPlugin*> m_writers;
     WriterStream* m_stream = nullptr;    // owned
 };

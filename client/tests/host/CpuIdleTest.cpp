@@ -24,7 +24,7 @@ TEST_F(CpuIdleTest, ActiveIsWhatIdleLeavesAndEveryStateIsSentEveryRound)
     tree.setIdle(0, 2, 5'000'000 + 20'000);
     round(100);
     round(250);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(2u, session.writer.points.size());
     EXPECT_EQ(states("0", "30000000", "20000000", "50000000"), samples(0, "Thread_0"));
     EXPECT_EQ(states("0", "0", "0", "150000000"), samples(1, "Thread_0"));
@@ -39,7 +39,7 @@ TEST_F(CpuIdleTest, TimeBookedLateIsCarriedAndNoPointIsLost)
     tree.setIdle(0, 2, 5'000'000 + 250'000);    // slept through, booked at once
     for (const unsigned long long ms : {100U, 200U, 300U, 400U})
         round(ms);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(4u, session.writer.points.size());
     EXPECT_EQ(states("0", "0", "100000000", "0"), samples(0, "Thread_0"));
     EXPECT_EQ(states("0", "0", "100000000", "0"), samples(1, "Thread_0"));
@@ -56,7 +56,7 @@ TEST_F(CpuIdleTest, StatesThatDoNotFitTogetherTakeTheirTimeInOrder)
     round(100);
     tree.setIdle(0, 1, 100'000 + 90'000);
     round(200);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     EXPECT_EQ(states("0", "80000000", "20000000", "0"), samples(0, "Thread_0"));
     EXPECT_EQ(states("0", "10000000", "50000000", "40000000"), samples(1, "Thread_0"));
 }
@@ -73,7 +73,7 @@ TEST_F(CpuIdleTest, CountersThatBeginAnewOrRunWildSpoilNoPoint)
     round(300);
     tree.setIdle(0, 0, 0);
     round(400);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(4u, session.writer.points.size());
     EXPECT_EQ(states("0", "0", "0", "100000000"), samples(0, "Thread_0"));
     EXPECT_EQ(states("0", "10000000", "0", "90000000"), samples(1, "Thread_0"));
@@ -90,7 +90,7 @@ TEST_F(CpuIdleTest, AProcessorThatCanNotBeReadInARoundCatchesUp)
     tree.remove(file);
     tree.setIdle(0, 1, 100'000 + 150'000);
     round(200);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(2u, session.writer.points.size());
     EXPECT_TRUE(samples(0, "Thread_0").empty());
     EXPECT_EQ(4u, samples(0, "Thread_1").size());
@@ -103,7 +103,7 @@ TEST_F(CpuIdleTest, TablesTellEveryAnnouncedState)
     start<host::CpuIdle>();
     tree.setIdle(0, 2, 5'000'000 + 25'000);
     round(100);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     const auto rows = session.writer.tablesNamed("CPU idle states Summary: Residency (Percentage)");
     ASSERT_EQ(5u, rows.size());    // the layout, and a row for each state
     const Texts names{"Active", "POLL", "C1", "C6"};
@@ -126,7 +126,7 @@ TEST_F(CpuIdleOfModulesTest, StatesOfOneNameStayApart)
     tree.write("sys/devices/system/cpu/cpu0/cpuidle/state3/name", "Active\n");
     start<host::CpuIdle>();
     round(10);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     EXPECT_EQ((Texts{"Thread_0/C1=0", "Thread_0/C1 (state1)=0", "Thread_0/state2=0", "Thread_0/Active (state3)=0",
                      "Thread_0/Active=10000000"}),
               samples(0, "Thread_0"));
@@ -144,7 +144,7 @@ TEST_F(CpuIdleOfUnreadableTest, AProcessorWithAnUnreadableStateIsLeftOutWithANot
     const std::string file = tree.root() + "/sys/devices/system/cpu/cpu1/cpuidle/state1/time";
     EXPECT_EQ((Texts{"processor 1 is left out, since " + file + " can't be read"}), feature->getRemarks());
     round(10);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     EXPECT_EQ((Texts{"Thread_0/C1=0", "Thread_0/C2=0", "Thread_0/Active=10000000", "Thread_2/C1=0", "Thread_2/C2=0",
                      "Thread_2/Active=10000000"}),
               samples(0));
@@ -152,13 +152,46 @@ TEST_F(CpuIdleOfUnreadableTest, AProcessorWithAnUnreadableStateIsLeftOutWithANot
     EXPECT_TRUE(session.writer.infos[0].hasNotes);
 }
 
-TEST(CpuIdleFindTest, AMachineWithoutIdleStatesDoesNotOfferIt)
+TEST_F(CpuIdleTest, ASuspendIsNobodysTimeAndTheBaselineBehindItCounts)
 {
-    const test::TreeCopy tree("no-idle");
-    host::CpuIdle feature{host::SystemTree(tree.root())};
-    std::string reason;
-    EXPECT_FALSE(feature.find(reason));
-    EXPECT_EQ("no processor has idle states that can be read below " + tree.root() + "/sys/devices/system/cpu", reason);
+    start<host::CpuIdle>();
+    tree.setIdle(0, 2, 5'000'000 + 250'000);    // 150 ms of it are still to be told
+    round(100);
+    sleepUntil(3'600'000);
+    tree.setIdle(0, 1, 3'600'000'000);    // whatever happened
+    tree.setIdle(0, 2, 40);
+    round(3'600'100);
+    tree.setIdle(0, 1, 3'600'000'000 + 30'000);
+    round(3'600'200);
+    ASSERT_TRUE(finish());
+    ASSERT_EQ(3u, session.writer.points.size());
+    EXPECT_EQ(states("0", "0", "100000000", "0"), samples(0, "Thread_0"));
+    EXPECT_EQ(states("0", "0", "0", "0"), samples(1, "Thread_0"));
+    EXPECT_EQ(0u, duration(1));
+    EXPECT_EQ(states("0", "30000000", "0", "70000000"), samples(2, "Thread_0"));
+    EXPECT_EQ(100u, duration(2));
+    EXPECT_EQ(3u, feature->getRounds());
+    EXPECT_FALSE(session.log.contains("discarded"));
+}
+
+TEST_F(CpuIdleTest, AProcessorThatCanNotBeReadBehindASuspendHasItsBaselineLater)
+{
+    start<host::CpuIdle>();
+    const std::string file = "sys/devices/system/cpu/cpu0/cpuidle/state1/time";
+    round(100);
+    sleepUntil(10'000);
+    tree.makeUnreadable(file);
+    round(10'100);
+    tree.remove(file);
+    tree.setIdle(0, 1, 100'000 + 5'000'000);
+    round(10'200);
+    tree.setIdle(0, 1, 100'000 + 5'040'000);
+    round(10'300);
+    ASSERT_TRUE(finish());
+    EXPECT_TRUE(samples(1, "Thread_0").empty());
+    EXPECT_EQ(states("0", "0", "0", "0"), samples(2, "Thread_0"));
+    EXPECT_EQ(states("0", "40000000", "0", "60000000"), samples(3, "Thread_0"));
+    EXPECT_FALSE(session.log.contains("discarded"));
 }
 
 }    // namespace

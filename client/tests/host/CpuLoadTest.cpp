@@ -1,6 +1,5 @@
 #include "FeatureTest.h"
 #include "features/CpuLoad.h"
-#include "features/LoadMetric.h"
 
 namespace {
 
@@ -21,7 +20,7 @@ TEST_F(CpuLoadTest, LoadIsTheBusyShareInWholePercent)
     round(100);
     stat("cpu0 1010 5 2012 90057 1010 1 2 3 500 500\ncpu1 1001 0 2001 90398 1000 0 0 0 0 0\n");
     round(200);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(2u, session.writer.points.size());
     EXPECT_EQ((Texts{"Thread_0=33", "Thread_1=1"}), samples(0));    // 1 of 200 is nearer to 1 than to 0
     EXPECT_EQ((Texts{"Thread_1=1"}), samples(1));
@@ -35,7 +34,7 @@ TEST_F(CpuLoadTest, AnUnchangedFileGivesNoSampleAndTheNextSpeaksOfTheWholeTime)
     EXPECT_EQ(0u, feature->getRounds());
     stat("cpu0 1003 0 2000 90007 1000 0 0 0 0 0\n");
     round(200);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(1u, session.writer.points.size());
     EXPECT_EQ((Texts{"Thread_0=30"}), samples(0));
     EXPECT_EQ(200 * test::MS, session.writer.points[0].elements[0].duration);
@@ -51,7 +50,7 @@ TEST_F(CpuLoadTest, TimesThatStepBackCountAsNone)
     round(200);
     stat("cpu0 1 0 0 3 0 0 0 0\n");
     round(300);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(2u, session.writer.points.size());
     EXPECT_EQ((Texts{"Thread_0=100"}), samples(0));
     EXPECT_EQ((Texts{"Thread_0=25"}), samples(1));
@@ -66,7 +65,7 @@ TEST_F(CpuLoadTest, ProcessorsComeAndGoAndLinesOfNonsenseAreSkipped)
     round(200);
     tree.makeUnreadable("proc/stat");
     round(300);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(2u, session.writer.points.size());
     EXPECT_EQ((Texts{"Thread_1=50"}), samples(0));
     EXPECT_EQ((Texts{"Thread_0=50"}), samples(1));
@@ -76,32 +75,71 @@ TEST_F(CpuLoadTest, WithoutAChangeThereIsNoTable)
 {
     start<host::CpuLoad>();
     round(100);
-    EXPECT_FALSE(feature->finish());
+    EXPECT_FALSE(finish());
     EXPECT_TRUE(session.writer.tables.empty());
 }
 
-TEST(CpuLoadFindTest, AFileWithoutProcessorsIsNoSource)
+TEST_F(CpuLoadTest, ASuspendIsNobodysTimeAndTheBaselineBehindItCounts)
 {
-    const test::TreeCopy tree("no-idle");
-    host::CpuLoad feature{host::SystemTree(tree.root())};
-    std::string reason;
-    for (const char* text : {"", "cpu 1 2 3 4\n", "cpu0", "cpu0 1 2 3"}) {
-        tree.write("proc/stat", text);
-        EXPECT_FALSE(feature.find(reason)) << text;
-    }
-    tree.write("proc/stat", "cpu0 1 2 3 4");
-    EXPECT_TRUE(feature.find(reason));
-    tree.remove("proc/stat");
-    EXPECT_FALSE(feature.find(reason));
-    EXPECT_EQ(tree.root() + "/proc/stat can't be read or tells no processor", reason);
+    start<host::CpuLoad>();
+    stat("cpu0 1050 0 2000 90050 1000 0 0 0\n");
+    round(100);
+    sleepUntil(3'600'000);
+    stat("cpu0 9999 0 2000 90050 1000 0 0 0\n");    // whatever happened
+    round(3'600'100);
+    stat("cpu0 9999 0 2000 90050 1000 0 0 0\ncpu1 1000 0 2001 90398 1000 0 0 0\n");
+    round(3'600'200);
+    stat("cpu0 9999 0 2010 90090 1000 0 0 0\ncpu1 1000 0 2002 90399 1000 0 0 0\n");
+    round(3'600'300);
+    ASSERT_TRUE(finish());
+    ASSERT_EQ(2u, session.writer.points.size());
+    EXPECT_EQ((Texts{"Thread_0=50"}), samples(0));
+    EXPECT_EQ((Texts{"Thread_0=20", "Thread_1=50"}), samples(1));
+    EXPECT_EQ(200u, duration(1));    // since the baseline, not since the sample before
+    EXPECT_EQ(100 * test::MS, session.writer.points[1].elements[1].duration);
 }
 
-TEST(LoadMetricTest, PercentIsRoundedAndStaysInItsRange)
+TEST_F(CpuLoadTest, AFileWithoutProcessorsIsNoSource)
 {
-    EXPECT_EQ(33u, host::wholePercent(1, 3));
-    EXPECT_EQ(67u, host::wholePercent(2, 3));
-    EXPECT_EQ(0u, host::wholePercent(-1, 3));
-    EXPECT_EQ(100u, host::wholePercent(4, 3));
+    const host::CpuLoad plugin;
+    machine.load();
+    const auto explain = [&] { return plugin.getCapability().explain(machine.record, machine.params); };
+    const std::string path = tree.root() + "/proc/stat";
+    for (const char* text : {"", "cpu 1 2 3 4\n", "cpu0", "cpu0 1 2 3"}) {
+        tree.write("proc/stat", text);
+        EXPECT_EQ("requires processor times: " + path + " can't be read or tells no cpu*", explain()) << text;
+    }
+    tree.write("proc/stat", "cpu0 1 2 3 4");
+    EXPECT_EQ("", explain());
+    tree.remove("proc/stat");
+    EXPECT_EQ("requires processor times: there is no " + path, explain());
+}
+
+// The configuration of machines with very many cores: the total line, and the columns of every machine.
+TEST_F(CpuLoadTest, AllProcessorsTogetherAreOneEntity)
+{
+    feature = std::make_unique<host::CpuLoad>();
+    host::enroll(*feature, machine.record);
+    machine.load();
+    machine.params = {{host::SourceRequirement::PLATFORMS, "CORES=MANY"}};
+    pwr::DataHandleProvider::initTopology(machine.record);
+    collection = std::make_unique<host::Collection>(machine.record, *machine.collector,
+                                                    std::vector<host::FeaturePlugin*>{feature.get()});
+    tree.write("proc/stat", "cpu 100 0 100 800 100 0 0 0 70 70\ncpu0 1 1 1 1\n");
+    ASSERT_EQ(nullptr, collection->begin(machine.params));
+    tree.write("proc/stat", "cpu 110 0 110 870 110 0 0 0 99 99\ncpu0 9 9 9 9\n");
+    round(100);
+    ASSERT_TRUE(finish());
+    ASSERT_EQ(1u, session.writer.points.size());
+    EXPECT_EQ((Texts{"CPU=20"}), samples(0));
+}
+
+TEST(WholePercentTest, PercentIsRoundedAndStaysInItsRange)
+{
+    EXPECT_EQ(33u, host::CpuLoad::wholePercent(1, 3));
+    EXPECT_EQ(67u, host::CpuLoad::wholePercent(2, 3));
+    EXPECT_EQ(0u, host::CpuLoad::wholePercent(-1, 3));
+    EXPECT_EQ(100u, host::CpuLoad::wholePercent(4, 3));
 }
 
 }    // namespace

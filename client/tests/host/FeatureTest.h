@@ -1,11 +1,17 @@
 #pragma once
 
+#include "Collection.h"
+#include "ConfigFiles.h"
+#include "HandClock.h"
+#include "Platforms.h"
+#include "ProgramRecord.h"
 #include "TreeCopy.h"
-#include "features/Feature.h"
+#include "collector/Collector.h"
+#include "features/FeaturePlugin.h"
 #include "machine/Machine.h"
-#include "machine/SystemTree.h"
 #include "support/TestSession.h"
 
+#include "config/qv_configfile_parser.h"
 #include "record/SystemMetadata.h"
 #include "values/DataHandleProvider.h"
 
@@ -17,28 +23,62 @@ namespace test {
 constexpr unsigned long long START = 1'000'000'000;
 constexpr unsigned long long MS = 1'000'000;    // ticks
 
-// A feature over an editable tree, driven round by round; the test sees what reaches a writer.
+// A recorded machine with its collector and the host's own configuration, loaded.
+class MachineFixture {
+public:
+    explicit MachineFixture(const std::string& treeName) : tree(treeName), clock(START)
+    {
+        collector = host::openMachine(tree.root())->makeCollector(clock);
+        host::enroll(*collector, record);
+    }
+    ~MachineFixture() { pwr::QVConfigFileParser::instance()->destroy(); }
+    MachineFixture(const MachineFixture&) = delete;
+    MachineFixture& operator=(const MachineFixture&) = delete;
+
+    // To be called when the tree is as the test wants it.
+    void load()
+    {
+        std::vector<std::string> remarks;
+        ASSERT_TRUE(host::openMachine(tree.root())->describe(record, remarks));
+        record.qvaClockFreqMHz = 1000;
+        const auto files = host::listCollectorConfig(host::findCollectorConfig(""), "");
+        ASSERT_EQ(0, pwr::QVConfigFileParser::instance()->parse(files, {collector.get()}, record));
+        params = {{host::SourceRequirement::PLATFORMS, host::choosePlatforms(record)}};
+    }
+
+    TreeCopy tree;
+    HandClock clock;
+    pwr::SystemMetadata record;
+    std::unique_ptr<host::Collector> collector;
+    Plugin::Params params;
+};
+
+// A plugin behind the collector of an editable tree, driven round by round; the test sees what reaches a writer.
 class FeatureTest : public testing::Test {
 protected:
-    explicit FeatureTest(const std::string& treeName) : tree(treeName) {}
+    explicit FeatureTest(const std::string& treeName) : machine(treeName), tree(machine.tree) {}
 
     template <typename F>
     void start()
     {
-        feature = std::make_unique<F>(host::SystemTree(tree.root()));
-        std::string reason;
-        ASSERT_TRUE(feature->find(reason)) << reason;
-        std::vector<std::string> remarks;
-        ASSERT_TRUE(host::openMachine(tree.root())->describe(record, remarks));
-        record.qvaClockFreqMHz = 1000;
-        record.startTSC = START;
-        ASSERT_EQ(0, pwr::DataHandleProvider::initTopology(record));
-        feature->readBaseline(START);
-        feature->makeMetric(record);
+        feature = std::make_unique<F>();
+        host::enroll(*feature, machine.record);
+        machine.load();
+        ASSERT_EQ("", feature->getCapability().explain(machine.record, machine.params));
+        ASSERT_EQ(0, pwr::DataHandleProvider::initTopology(machine.record));
+        collection = std::make_unique<host::Collection>(machine.record, *machine.collector,
+                                                        std::vector<host::FeaturePlugin*>{feature.get()});
+        ASSERT_EQ(nullptr, collection->begin(machine.params));
     }
 
     // `ms`: since the start.
-    void round(unsigned long long ms) { feature->takeRound(START + ms * MS); }
+    void round(unsigned long long ms)
+    {
+        machine.clock.advance(START + ms * MS - machine.clock.now.tick);
+        EXPECT_TRUE(collection->takeRound());
+    }
+    void sleepUntil(unsigned long long ms) { machine.clock.sleep(START + ms * MS - machine.clock.now.tick); }
+    bool finish() { return collection->end().empty(); }
 
     // Samples of a point as "entity/descriptor=value", for entities that end in `entity`, in milliseconds for ticks.
     std::vector<std::string> samples(std::size_t point, const std::string& entity = "") const
@@ -53,11 +93,17 @@ protected:
         }
         return texts;
     }
+    // In milliseconds, of the first element.
+    unsigned long long duration(std::size_t point) const
+    {
+        return session.writer.points.at(point).elements.at(0).duration / MS;
+    }
 
-    TestSession session;
-    TreeCopy tree;
-    pwr::SystemMetadata record;
-    std::unique_ptr<host::Feature> feature;    // ends before the session
+    TestSession session;    // ends last
+    MachineFixture machine;
+    const TreeCopy& tree;
+    std::unique_ptr<host::FeaturePlugin> feature;
+    std::unique_ptr<host::Collection> collection;
 };
 
 using Texts = std::vector<std::string>;

@@ -1,15 +1,10 @@
-#include "Collection.h"
+#include "ConfigFiles.h"
 #include "Host.h"
-#include "OutputConfigFile.h"
 #include "TreeCopy.h"
-#include "features/CpuLoad.h"
-#include "machine/SystemTree.h"
-#include "support/TestSession.h"
-#include "writers/PointCounter.h"
+#include "support/LogCapture.h"
 
 #include "config/OutputConfig.h"
-#include "record/Clocks.h"
-#include "values/DataHandleProvider.h"
+#include "record/SystemMetadata.h"
 
 #include <algorithm>
 #include <chrono>
@@ -58,7 +53,7 @@ private:
 TEST_F(HostTest, HelpAndBadArguments)
 {
     EXPECT_EQ(0, run({"--help"}));
-    for (const char* name : {"--feature NAME", "--time SECONDS", "--interval MS", "--output PREFIX",
+    for (const char* name : {"--feature NAME", "--time SECONDS", "--interval MS", "--output PREFIX", "--config DIR",
                              "--output-config FILE", "--sysroot DIR", "--list", "--help"}) {
         EXPECT_NE(std::string::npos, out.str().find(name)) << name;
     }
@@ -72,14 +67,25 @@ TEST_F(HostTest, TheListTellsWhatIsOfferedAndWhyNot)
     const test::TreeCopy tree("no-idle");
     EXPECT_EQ(0, run({"--sysroot", tree.root(), "--list"}));
     EXPECT_EQ("cpu-idle      time of each logical processor in each idle state, and active\n"
-              "              not offered here: no processor has idle states that can be read below " +
+              "              not offered here: requires idle states: there is no " +
                   tree.root() +
-                  "/sys/devices/system/cpu\n"
+                  "/sys/devices/system/cpu/cpu*/cpuidle/state*/time\n"
                   "cpu-load      busy percent of each logical processor\n"
                   "temperature   degrees of each thermal zone\n"
-                  "              not offered here: there is no thermal zone below " +
-                  tree.root() + "/sys/class/thermal\n",
+                  "              not offered here: requires thermal zones: there is no " +
+                  tree.root() + "/sys/class/thermal/thermal_zone*/temp\n",
               out.str());
+    EXPECT_EQ("", errors.str());
+
+    const test::TreeCopy partly("unreadable");
+    EXPECT_EQ(0, run({"--sysroot", partly.root(), "--list"}));
+    EXPECT_NE(std::string::npos, out.str().find("              processor 1 is left out, since " + partly.root()));
+
+    tree.remove("proc");    // and with it a kind of access
+    EXPECT_EQ(0, run({"--sysroot", tree.root(), "--list"}));
+    EXPECT_NE(std::string::npos,
+              out.str().find("not offered here: requires processor times: there is no access to them on this machine"))
+        << out.str();
 }
 
 TEST_F(HostTest, WhatCanNotBeMeasuredIsOneLineAndAStatus)
@@ -96,12 +102,18 @@ TEST_F(HostTest, WhatCanNotBeMeasuredIsOneLineAndAStatus)
         {{"--feature", "magic"}, 2, "there is no feature 'magic' here: --list tells the names"},
         {{"--feature", "cpu-load", "--feature", "temperature"},
          1,
-         "this machine does not offer 'temperature', since there is no thermal zone below " + tree.root() +
-             "/sys/class/thermal: --list tells what it offers"},
+         "this machine does not offer 'temperature', which requires thermal zones: there is no " + tree.root() +
+             "/sys/class/thermal/thermal_zone*/temp: --list tells what it offers"},
         {{"--sysroot", "/no/such/folder"},
          1,
          "there is no folder /no/such/folder: give --sysroot one that holds sys and proc"},
         {{"--sysroot", bare.root()}, 1, "this machine offers no feature: --list tells why"},
+        {{"--config", path("none")},
+         1,
+         "there is no folder " + path("none") + ": give --config one that holds *.conf files"},
+        {{"--config", tree.root() + "/etc"},
+         1,
+         tree.root() + "/etc holds no collector configuration: give --config a folder with *.conf files"},
         {{"--output-config", path("none.conf")}, 1, path("none.conf") + " can't be read: give --output-config a file"},
         {{"--output-config", tree.root()}, 1, tree.root() + " can't be read: give --output-config a file"},
     };
@@ -124,6 +136,81 @@ TEST_F(HostTest, ABadOutputConfigurationEndsTheRun)
     EXPECT_NE(std::string::npos, errors.str().find("ALL_CPU-LOAD_LOAD_MIN-MAX_COLOR=red"));
     EXPECT_NE(std::string::npos,
               errors.str().find("bad.conf is no good output configuration: the line before says where\n"));
+}
+
+// All files of the folder, but the output configurations.
+TEST_F(HostTest, TheConfigurationOfAFolderIsTakenInstead)
+{
+    const test::TreeCopy tree("four-cores");
+    tree.write("c/20-more.conf", "ALL_TEMPERATURE_UNITS_CONSTANT_PER-DEGREE=100\n");
+    tree.write("c/10-first.conf", "ALL_TEMPERATURE_CAPABILITY_HELP-STRING_VALUE=what is felt\n"
+                                  "ALL_TEMPERATURE_CAPABILITY_COMMAND-LINE_VALUE=heat\n"
+                                  "ALL_TEMPERATURE_ZONES_SYSFS_PATH=/sys/class/thermal/thermal_zone*/temp\n"
+                                  "ALL_TEMPERATURE_ZONES_MSG_READ-WHEN=BEGIN,POLL\n"
+                                  "ALL_CPU-LOAD_CAPABILITY_HIDDEN_VALUE=TRUE\n");
+    tree.write("c/output.conf", "no collector configuration\n");
+    tree.write("c/mine.conf", "ALL_TEMPERATURE_ZONES_MIN-MAX-AVG_TITLE=Heat\n");
+    tree.write("c/notes.txt", "no configuration at all\n");
+    const std::string folder = tree.root() + "/c";
+    EXPECT_EQ(0, measure(tree, {"--config", folder, "--output-config", folder + "/mine.conf", "--feature", "heat",
+                                "--output", path("run")}))
+        << errors.str();
+    EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("thermal_zone0,278.0,278.0"))
+        << test::contentOf(path("run_summary.csv"));
+
+    EXPECT_EQ(0,
+              run({"--sysroot", tree.root(), "--config", folder, "--output-config", folder + "/mine.conf", "--list"}));
+    EXPECT_EQ("cpu-idle      time of each logical processor in each idle state, and active\n"
+              "              not offered here: requires idle states: there is no access to them on this machine (no "
+              "message of CPU-IDLE for ALL=ALL)\n"
+              "temperature   what is felt\n",
+              out.str());
+}
+
+TEST_F(HostTest, ABrokenConfigurationEndsTheRunAndSaysWhere)
+{
+    const test::TreeCopy tree("four-cores");
+    const struct {
+        const char* text;
+        const char* part;
+    } cases[] = {
+        {"ALL_CPU-LOAD_TIMES_PROCFS_PATH=/sys/stat\n", "ALL_CPU-LOAD_TIMES_PROCFS_PATH=/sys/stat"},
+        {"ALL_CPU-LOAD_TIMES_PROCFS_PATH=/proc/../etc/passwd\n", "ERROR parsing line"},
+        {"ALL_CPU-LOAD_TIMES_PROCFS_FIELD=c*u*\n", "ERROR parsing line"},
+        {"ALL_CPU-LOAD_TIMES_PROCFS_LEAST=17\n", "ERROR parsing line"},
+        {"ALL_CPU-IDLE_TIMES_SYSFS_PATH=/sys/*/*/*/*/*\n", "ERROR parsing line"},
+        {"ALL_CPU-IDLE_TIMES_SYSFS_PATH=sys/a\n", "ERROR parsing line"},
+        {"ALL_CPU-IDLE_TIMES_SYSFS_FIELD=PICTURE\n", "ERROR parsing line"},
+        {"ALL_CPU-IDLE_TIMES_MAGIC_PATH=/sys/a\n", "unknown collector type MAGIC"},
+        {"NEAR_CPU-IDLE_LABELS_CONSTANT_ACTIVE=On\n", "have not been defined: ALL"},
+    };
+    for (const auto& c : cases) {
+        tree.write("c/a.conf", c.text);
+        EXPECT_EQ(1, measure(tree, {"--config", tree.root() + "/c"})) << c.text;
+        EXPECT_NE(std::string::npos, errors.str().find(c.part)) << errors.str();
+        EXPECT_TRUE(errors.str().ends_with("quorvane_host: " + tree.root() +
+                                           "/c holds no good collector configuration: the lines before say where\n"))
+            << errors.str();
+        EXPECT_EQ("", out.str());
+    }
+}
+
+TEST_F(HostTest, AGroupMeansThoseOfItsFeaturesThatAreOffered)
+{
+    const test::TreeCopy tree("four-cores");
+    EXPECT_EQ(0, measure(tree, {"--feature", "cpu", "--feature", "cpu-idle"}));
+    EXPECT_NE(std::string::npos, out.str().find("CPU idle states Summary"));
+    EXPECT_EQ(std::string::npos, out.str().find("Temperature Summary"));
+    EXPECT_EQ("quorvane_host: cpu-load: nothing changed, so there is no sample\n", errors.str());
+
+    tree.remove("sys/devices/system/cpu/cpufreq");
+    for (const char* cpu : {"0", "1", "2", "3", "4", "5", "6", "7"})
+        tree.remove(std::string("sys/devices/system/cpu/cpu") + cpu + "/cpuidle");
+    EXPECT_EQ(1, measure(tree, {"--feature", "cpu"}));    // the load that stands still
+    EXPECT_NE(std::string::npos, errors.str().find("cpu-load: nothing changed")) << errors.str();
+    tree.remove("proc/stat");
+    EXPECT_EQ(1, measure(tree, {"--feature", "cpu"}));
+    EXPECT_NE(std::string::npos, errors.str().find("this machine does not offer 'cpu', which requires idle states: "));
 }
 
 TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
@@ -256,53 +343,6 @@ TEST_F(HostTest, AnInterruptEndsTheCollectionAndAllIsWritten)
     EXPECT_NE(std::string::npos, out.str().find(" samples, 0 dropped points, files: "));
     EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("board,27.8,27.8,27.80,27.80\n"));
     EXPECT_EQ(SIG_DFL, std::signal(SIGINT, SIG_DFL));    // nothing of ours is left behind
-}
-
-// A clock that the test turns.
-class HandClock : public pwr::QVClockSource {
-public:
-    HandClock() : QVClockSource("hand", "hand", "turned by hand") {}
-    float getFreqMHz() override { return 1000; }
-    unsigned long long getTimestamp() override { return now; }
-    unsigned long long now = 5'000;
-};
-
-TEST(CollectionTest, OneTimestampServesARoundAndAClockThatStandsStillGivesNone)
-{
-    test::TestSession session;
-    const test::TreeCopy tree("no-idle");
-    pwr::SystemMetadata record = test::makeSystem(1000, 0);
-    record.buildTopology("0 0 0 -1 1 0 1 -1", 0);
-    pwr::DataHandleProvider::initTopology(record);
-    host::CpuLoad first{host::SystemTree(tree.root())};
-    host::CpuLoad second{host::SystemTree(tree.root())};
-    HandClock clock;
-    {
-        host::Collection collection(record, clock, {&first, &second});
-        collection.begin();
-        EXPECT_EQ(5'000u, record.startTSC);
-        const auto change = [&tree](int user) {
-            tree.write("proc/stat", "cpu0 " + std::to_string(user) + " 0 2000 90000 1000\n");
-        };
-        change(2000);
-        EXPECT_FALSE(collection.takeRound());
-        clock.now = 6'000;
-        EXPECT_TRUE(collection.takeRound());
-        change(3000);
-        clock.now = 5'500;    // set back
-        EXPECT_FALSE(collection.takeRound());
-        clock.now = 7'000;
-        EXPECT_TRUE(collection.takeRound());
-        EXPECT_EQ(7'000u, record.stopTSC);
-        EXPECT_TRUE(collection.end().empty());
-        EXPECT_EQ(4u, collection.getSamples());
-        // No counter stood behind the stream: it got nothing of what was handed in.
-        EXPECT_EQ(4u, collection.getDroppedPoints(host::PointCounter()));
-    }
-    ASSERT_EQ(4u, session.writer.points.size());
-    EXPECT_EQ(6'000u, session.writer.points[0].timestamp);
-    EXPECT_EQ(6'000u, session.writer.points[1].timestamp);
-    EXPECT_EQ(7'000u, session.writer.points[2].timestamp);
 }
 
 }    // namespace

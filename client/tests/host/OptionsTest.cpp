@@ -14,7 +14,7 @@ TEST(OptionsTest, DefaultsMeasureEverythingForThreeSeconds)
     EXPECT_TRUE(options.features.empty());
     EXPECT_EQ(3.0, options.seconds);
     EXPECT_EQ(100u, options.intervalMs);
-    EXPECT_EQ("", options.output + options.outputConfig + options.sysroot);
+    EXPECT_EQ("", options.output + options.config + options.outputConfig + options.sysroot);
     EXPECT_FALSE(options.list || options.help);
 }
 
@@ -22,10 +22,10 @@ TEST(OptionsTest, EveryOptionIsTakenAndTheLastOfAKindWins)
 {
     Options options;
     std::string error;
-    ASSERT_TRUE(host::parseOptions({"--feature",  "cpu-load",  "--feature", "cpu-idle", "--feature",
-                                    "cpu-load",   "--time",    "9",         "--time",   "0.25",
-                                    "--interval", "60000",     "--output",  "--odd",    "--output-config",
-                                    "a.conf",     "--sysroot", "/tree",     "--list",   "--help"},
+    ASSERT_TRUE(host::parseOptions({"--feature", "cpu-load", "--feature",       "cpu-idle", "--feature",  "cpu-load",
+                                    "--time",    "9",        "--time",          "0.25",     "--interval", "60000",
+                                    "--output",  "--odd",    "--output-config", "a.conf",   "--sysroot",  "/tree",
+                                    "--config",  "conf.d",   "--list",          "--help"},
                                    options, error))
         << error;
     EXPECT_EQ((std::vector<std::string>{"cpu-load", "cpu-idle"}), options.features);
@@ -34,6 +34,7 @@ TEST(OptionsTest, EveryOptionIsTakenAndTheLastOfAKindWins)
     EXPECT_EQ("--odd", options.output);
     EXPECT_EQ("a.conf", options.outputConfig);
     EXPECT_EQ("/tree", options.sysroot);
+    EXPECT_EQ("conf.d", options.config);
     EXPECT_TRUE(options.list);
     EXPECT_TRUE(options.help);
 }
@@ -65,6 +66,7 @@ TEST(OptionsTest, BadArgumentsGiveOneLineThatSaysWhatToDo)
         {{"--interval", "60001"}, "--interval can't take '60001'" + interval},
         {{"--interval", "99999999999999999999"}, "--interval can't take '99999999999999999999'" + interval},
         {{"--feature", ""}, "--feature can't take '': give the name of a feature"},
+        {{"--config", ""}, "--config can't take '': give a folder"},
         {{"--output", ""}, "--output can't take '': give the beginning of the files' names"},
     };
     for (const auto& c : cases) {

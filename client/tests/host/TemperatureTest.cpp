@@ -1,6 +1,8 @@
 #include "FeatureTest.h"
 #include "features/Temperature.h"
 
+#include <algorithm>
+
 namespace {
 
 using test::Texts;
@@ -17,7 +19,7 @@ TEST_F(TemperatureTest, ThousandthsBecomeDegreesAndAGapIsNoSample)
     tree.write("sys/class/thermal/thermal_zone0/temp", "-5300\n");
     tree.makeUnreadable("sys/class/thermal/thermal_zone1/temp");
     round(200);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     ASSERT_EQ(2u, session.writer.points.size());
     EXPECT_EQ((Texts{"board=27.8", "package=41.5"}), samples(0));
     EXPECT_EQ((Texts{"board=-5.3"}), samples(1));
@@ -38,23 +40,62 @@ TEST_F(TemperatureOfUnreadableTest, OnlyReadableZonesAreMeasuredUnderNamesOfThei
                      "/sys/class/thermal/thermal_zone1/temp can't be read"}),
               feature->getRemarks());
     round(100);
-    ASSERT_TRUE(feature->finish());
+    ASSERT_TRUE(finish());
     EXPECT_EQ((Texts{"board=30.0", "board (thermal_zone2)=32.0"}), samples(0));
 }
 
-TEST(TemperatureFindTest, TheReasonTellsWhetherThereAreZones)
+TEST_F(TemperatureOfUnreadableTest, TheRequirementTellsWhetherThereAreZones)
 {
-    const test::TreeCopy tree("unreadable");
-    host::Temperature feature{host::SystemTree(tree.root())};
-    for (const char* zone : {"0", "2"}) {
+    const host::Temperature plugin;
+    machine.load();
+    const auto explain = [&] { return plugin.getCapability().explain(machine.record, machine.params); };
+    const std::string path = tree.root() + "/sys/class/thermal/thermal_zone*/temp";
+    EXPECT_EQ("", explain());
+    for (const char* zone : {"0", "2"})
         tree.write(std::string("sys/class/thermal/thermal_zone") + zone + "/temp", "hot\n");
-    }
-    std::string reason;
-    EXPECT_FALSE(feature.find(reason));
-    EXPECT_EQ("no thermal zone can be read below " + tree.root() + "/sys/class/thermal", reason);
+    EXPECT_EQ("requires thermal zones: " + path + " can't be read", explain());
     tree.remove("sys/class/thermal");
-    EXPECT_FALSE(feature.find(reason));
-    EXPECT_EQ("there is no thermal zone below " + tree.root() + "/sys/class/thermal", reason);
+    EXPECT_EQ("requires thermal zones: there is no " + path, explain());
+}
+
+TEST_F(TemperatureTest, ASampleBehindASuspendStandsForNoTime)
+{
+    start<host::Temperature>();
+    round(100);
+    sleepUntil(3'600'000);
+    round(3'600'100);
+    round(3'600'200);
+    ASSERT_TRUE(finish());
+    ASSERT_EQ(3u, session.writer.points.size());
+    EXPECT_EQ((Texts{"board=27.8", "package=41.5"}), samples(1));
+    EXPECT_EQ(0u, duration(1));
+    EXPECT_EQ(100u, duration(2));
+}
+
+// The processor of this tree is one whose sensors are read beside its zones.
+TEST_F(TemperatureTest, SensorsAreCalledAfterTheirChipAndTheirLabel)
+{
+    const std::string hwmon = "sys/class/hwmon/hwmon";
+    tree.write(hwmon + "1/name", "cores\n");
+    tree.write(hwmon + "1/temp1_input", "50000\n");
+    tree.write(hwmon + "1/temp1_label", "Core 0\n");
+    tree.write(hwmon + "1/temp2_input", "51000\n");
+    tree.write(hwmon + "1/temp2_label", "Core 0\n");
+    tree.write(hwmon + "10/temp3_input", "-1000\n");
+    tree.write(hwmon + "10/temp3_max", "9\n");
+    tree.makeUnreadable(hwmon + "1/temp4_input");
+    start<host::Temperature>();
+    round(100);
+    ASSERT_TRUE(finish());
+    ASSERT_EQ(1u, session.writer.points.size());
+    Texts found = samples(0);
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ((Texts{"board=27.8", "cores Core 0 (temp2_input)=51.0", "cores Core 0=50.0", "package=41.5",
+                     "temp3_input=-1.0"}),
+              found);
+    EXPECT_EQ((Texts{"temp4_input is left out, since " + tree.root() + "/" + hwmon + "1/temp4_input can't be read"}),
+              feature->getRemarks());
+    EXPECT_EQ(1u, feature->getRounds());    // two messages, one sampling point
 }
 
 }    // namespace

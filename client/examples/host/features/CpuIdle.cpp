@@ -1,6 +1,7 @@
 #include "features/CpuIdle.h"
 
-#include "metrics/Metric.h"
+#include "machine/SystemTree.h"
+
 #include "record/SystemMetadata.h"
 #include "values/Description.h"
 #include "values/EntityHandle.h"
@@ -11,15 +12,10 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <set>
-#include <utility>
 
 namespace host {
 
 namespace {
-
-const std::string CPU_FOLDER = "/sys/devices/system/cpu";
-const std::string ACTIVE = "Active";
 
 const pwr::DataDescriptor* describe(const std::string& name)
 {
@@ -39,66 +35,67 @@ std::uint64_t saturatingAdd(std::uint64_t a, std::uint64_t b)
     return a > MAX - b ? MAX : a + b;
 }
 
+FeatureCapability* makeCapability()
+{
+    auto* capability = new FeatureCapability(
+        "cpu-idle", "time of each logical processor in each idle state, and active", "CPU-IDLE", 1);
+    capability->require(new SourceRequirement("CPU-IDLE", "idle states"));
+    return capability;
+}
+
+// Calls `take` with the number and the items of each processor. Items without state have none.
+template <typename Take>
+void forEachProcessor(const std::vector<RecordItem>& items, const Take& take)
+{
+    const RecordItem* end = items.data() + items.size();
+    for (const RecordItem* first = items.data(); first != end;) {
+        const std::uint32_t number = first->indices.values[0];
+        const RecordItem* next =
+            std::find_if(first, end, [number](const RecordItem& item) { return item.indices.values[0] != number; });
+        if (first->indices.count == 2) take(number, first, next);
+        first = next;
+    }
+}
+
+const RecordItem* findUnread(const RecordItem* first, const RecordItem* end)
+{
+    return std::find_if(first, end, [](const RecordItem& item) { return !item.isRead || item.isSigned; });
+}
+
 }    // namespace
 
-CpuIdle::CpuIdle(const SystemTree& tree)
-    : Feature("cpu-idle", "time of each logical processor in each idle state, and active"), m_tree(tree)
+CpuIdle::CpuIdle() : FeaturePlugin("quorvane-host-cpu-idle", makeCapability()) {}
+
+void CpuIdle::takeBaseline_i(const Source& source, const Items& items, unsigned long long tsc)
 {
+    m_activeName = constant_i("LABELS_ACTIVE", "Active");
+    forEachProcessor(items, [&](std::uint32_t number, const RecordItem* first, const RecordItem* end) {
+        Processor& processor = m_processors[number];
+        processor = Processor();
+        processor.lastTsc = tsc;
+        const RecordItem* unread = findUnread(first, end);
+        for (const RecordItem* item = first; item != end && unread == end; ++item)
+            processor.states.push_back(nameState_i(source, *item, processor));
+        if (unread == end) return;
+        // Without one of its states nobody knows what is left for the active one.
+        remarkLeftOut_i("processor " + std::to_string(number), source, *unread);
+        m_processors.erase(number);
+    });
 }
 
-bool CpuIdle::find_i(std::string& reason)
+CpuIdle::State CpuIdle::nameState_i(const Source& source, const RecordItem& item, const Processor& processor) const
 {
-    m_processors.clear();
-    for (const int number : m_tree.numberedEntries(CPU_FOLDER, "cpu"))
-        addProcessor_i(number);
-    if (!m_processors.empty()) return true;
-    reason = "no processor has idle states that can be read below " + m_tree.realPath(CPU_FOLDER);
-    return false;
-}
-
-void CpuIdle::addProcessor_i(int number)
-{
-    const std::string folder = CPU_FOLDER + "/cpu" + std::to_string(number) + "/cpuidle";
-    Processor processor;
-    processor.number = number;
-    std::set<std::string> names{ACTIVE};
-    for (const int index : m_tree.numberedEntries(folder, "state")) {
-        const std::string plainName = "state" + std::to_string(index);
-        State state;
-        state.file = folder + "/" + plainName + "/time";
-        if (!m_tree.readText(folder + "/" + plainName + "/name", state.name) || state.name.empty()) {
-            state.name = plainName;
-        }
-        if (names.count(state.name) != 0) state.name += " (" + plainName + ")";
-        names.insert(state.name);
-        processor.states.push_back(state);
+    State state;
+    state.number = item.indices.values[1];
+    state.counter = item.number;
+    state.name = textOf_i(source, item);
+    if (state.name.empty()) state.name = plainName_i(source, item);
+    const auto& states = processor.states;
+    const auto hasName = [&state](const State& other) { return other.name == state.name; };
+    if (state.name == m_activeName || std::any_of(states.begin(), states.end(), hasName)) {
+        state.name += " (" + plainName_i(source, item) + ")";
     }
-    if (processor.states.empty()) return;
-    std::vector<std::uint64_t> counters;
-    std::string unreadable;
-    if (readCounters_i(processor, counters, unreadable)) {
-        m_processors.push_back(std::move(processor));
-    } else {
-        leaveOut_i(number, unreadable);
-    }
-}
-
-// Without one of its states nobody knows what is left for the active one.
-void CpuIdle::leaveOut_i(int number, const std::string& file)
-{
-    remark_i("processor " + std::to_string(number) + " is left out, since " + file + " can't be read");
-}
-
-bool CpuIdle::readCounters_i(const Processor& processor, std::vector<std::uint64_t>& counters,
-                             std::string& unreadable) const
-{
-    counters.assign(processor.states.size(), 0);
-    for (std::size_t i = 0; i < counters.size(); ++i) {
-        if (m_tree.readNumber(processor.states[i].file, counters[i])) continue;
-        unreadable = m_tree.realPath(processor.states[i].file);
-        return false;
-    }
-    return true;
+    return state;
 }
 
 std::unique_ptr<pwr::Metric> CpuIdle::makeMetric_i(const pwr::SystemMetadata& system)
@@ -107,14 +104,17 @@ std::unique_ptr<pwr::Metric> CpuIdle::makeMetric_i(const pwr::SystemMetadata& sy
                                                 getSwitchTag(), system, pwr::Quantity::time());
     metric->setEntityGroupInfo(pwr::FieldDescription("Processor", ""));
     metric->setDescriptorGroupInfo(pwr::FieldDescription("State", ""));
-    m_ticksPerMicrosecond = static_cast<std::uint64_t>(std::llround(system.qvaClockFreqMHz));
-    m_active = describe(ACTIVE);
-    for (Processor& processor : m_processors) {
-        processor.entity = pwr::EntityHandle::getCPUThreadHandle(processor.number);
+    std::uint64_t nanoseconds = 1000;
+    SystemTree::parseNumber(constant_i("UNITS_NANOSECONDS", ""), nanoseconds);
+    m_ticksPerCount = static_cast<std::uint64_t>(
+        std::llround(static_cast<double>(system.qvaClockFreqMHz) * static_cast<double>(nanoseconds) / 1000.0));
+    m_active = describe(m_activeName);
+    for (auto& [number, processor] : m_processors) {
+        processor.entity = pwr::EntityHandle::getCPUThreadHandle(static_cast<int>(number));
         for (State& state : processor.states)
             state.descriptor = describe(state.name);
     }
-    std::erase_if(m_processors, [](const Processor& processor) { return processor.entity == nullptr; });
+    std::erase_if(m_processors, [](const auto& entry) { return entry.second.entity == nullptr; });
     announce_i(*metric);
     return metric;
 }
@@ -123,7 +123,7 @@ std::unique_ptr<pwr::Metric> CpuIdle::makeMetric_i(const pwr::SystemMetadata& sy
 void CpuIdle::announce_i(pwr::Metric& metric) const
 {
     std::vector<pwr::Metric::EntityDescCombo> combinations;
-    for (const Processor& processor : m_processors) {
+    for (const auto& [number, processor] : m_processors) {
         combinations.push_back({processor.entity, m_active});
         for (const State& state : processor.states)
             combinations.push_back({processor.entity, state.descriptor});
@@ -131,33 +131,46 @@ void CpuIdle::announce_i(pwr::Metric& metric) const
     metric.setEntityDescriptorCombinations(combinations);
 }
 
-void CpuIdle::readBaseline_i(unsigned long long timestamp)
+void CpuIdle::takeRound_i(const Source&, const Items& items, unsigned long long tsc)
 {
-    std::vector<std::uint64_t> counters;
-    std::string unreadable;
-    for (Processor& processor : m_processors) {
-        processor.lastTimestamp = timestamp;
-        if (!readCounters_i(processor, counters, unreadable)) {
-            leaveOut_i(processor.number, unreadable);
-            processor.states.clear();
-            continue;
-        }
-        for (std::size_t i = 0; i < counters.size(); ++i)
-            processor.states[i].counter = counters[i];
-    }
-    std::erase_if(m_processors, [](const Processor& processor) { return processor.states.empty(); });
+    forEachProcessor(items, [&](std::uint32_t number, const RecordItem* first, const RecordItem* end) {
+        const auto processor = m_processors.find(number);
+        if (processor != m_processors.end()) takeProcessor_i(processor->second, first, end, tsc);
+    });
 }
 
 // A processor that can't be read in this round has no samples in it; its next ones cover the time since its last.
-void CpuIdle::readRound_i(unsigned long long timestamp)
+void CpuIdle::takeProcessor_i(Processor& processor, const RecordItem* first, const RecordItem* end,
+                              unsigned long long tsc)
 {
+    if (findUnread(first, end) != end || tsc <= processor.lastTsc) return;
+    const auto isState = [](const RecordItem& item, const State& state) {
+        return item.indices.values[1] == state.number;
+    };
+    if (!std::equal(first, end, processor.states.begin(), processor.states.end(), isState)) return;
     std::vector<std::uint64_t> counters;
-    std::string ignored;
-    for (Processor& processor : m_processors) {
-        if (!readCounters_i(processor, counters, ignored)) continue;
+    for (const RecordItem* item = first; item != end; ++item)
+        counters.push_back(item->number);
+    if (processor.hasBaseline) {
         book_i(processor, counters);
-        handInStates_i(processor, timestamp);
+        handInStates_i(processor, tsc);
+    } else {
+        begin_i(processor, counters, tsc);
     }
+}
+
+// Behind a reset: the sampling point has no time, the next one begins here.
+void CpuIdle::begin_i(Processor& processor, const std::vector<std::uint64_t>& counters, unsigned long long tsc)
+{
+    for (std::size_t i = 0; i < counters.size(); ++i) {
+        State& state = processor.states[i];
+        state.counter = counters[i];
+        state.pendingTicks = 0;
+        handIn_i(tsc, processor.entity, state.descriptor, std::uint64_t{0}, pwr::Metric::RESET_DURATION);
+    }
+    handIn_i(tsc, processor.entity, m_active, std::uint64_t{0}, pwr::Metric::RESET_DURATION);
+    processor.lastTsc = tsc;
+    processor.hasBaseline = true;
 }
 
 // A counter that went back began anew: what it counted meanwhile nobody knows.
@@ -165,23 +178,29 @@ void CpuIdle::book_i(Processor& processor, const std::vector<std::uint64_t>& cou
 {
     for (std::size_t i = 0; i < counters.size(); ++i) {
         State& state = processor.states[i];
-        const std::uint64_t microseconds = counters[i] > state.counter ? counters[i] - state.counter : 0;
+        const std::uint64_t counts = counters[i] > state.counter ? counters[i] - state.counter : 0;
         state.counter = counters[i];
-        state.pendingTicks = saturatingAdd(state.pendingTicks, saturatingMultiply(microseconds, m_ticksPerMicrosecond));
+        state.pendingTicks = saturatingAdd(state.pendingTicks, saturatingMultiply(counts, m_ticksPerCount));
     }
 }
 
-void CpuIdle::handInStates_i(Processor& processor, unsigned long long timestamp)
+void CpuIdle::handInStates_i(Processor& processor, unsigned long long tsc)
 {
-    std::uint64_t left = timestamp - processor.lastTimestamp;
+    std::uint64_t left = tsc - processor.lastTsc;
     for (State& state : processor.states) {
         const std::uint64_t ticks = std::min(state.pendingTicks, left);
         state.pendingTicks -= ticks;
         left -= ticks;
-        handIn_i(timestamp, processor.entity, state.descriptor, ticks);
+        handIn_i(tsc, processor.entity, state.descriptor, ticks);
     }
-    handIn_i(timestamp, processor.entity, m_active, left);
-    processor.lastTimestamp = timestamp;
+    handIn_i(tsc, processor.entity, m_active, left);
+    processor.lastTsc = tsc;
+}
+
+void CpuIdle::forgetBaselines_i(unsigned long long)
+{
+    for (auto& [number, processor] : m_processors)
+        processor.hasBaseline = false;
 }
 
 }    // namespace host

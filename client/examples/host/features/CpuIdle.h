@@ -1,53 +1,51 @@
 #pragma once
 
-#include "features/Feature.h"
-#include "machine/SystemTree.h"
+#include "features/FeaturePlugin.h"
 
 namespace host {
 
-// The time that each logical processor spends in each idle state, and in the active state, which is what is left. Read
-// from the counters below /sys/devices/system/cpu/cpu*/cpuidle.
+// The time that each logical processor spends in each idle state, and in the active state, which is what is left. Its
+// sources count the time of state by processor and state.
 //
 // The system books idle time when a processor wakes up, so that a counter can grow by more than the interval. What does
 // not fit waits for the next intervals: no sampling point ever claims more time than it has. The states take their time
 // in their order.
-class CpuIdle : public Feature {
+class CpuIdle : public FeaturePlugin {
 public:
-    explicit CpuIdle(const SystemTree& tree);
+    CpuIdle();
 
 protected:
-    bool find_i(std::string& reason) override;
-    void readBaseline_i(unsigned long long timestamp) override;
+    void takeBaseline_i(const Source& source, const Items& items, unsigned long long tsc) override;
     std::unique_ptr<pwr::Metric> makeMetric_i(const pwr::SystemMetadata& system) override;
-    void readRound_i(unsigned long long timestamp) override;
+    void takeRound_i(const Source& source, const Items& items, unsigned long long tsc) override;
+    void forgetBaselines_i(unsigned long long tsc) override;
 
 private:
     struct State {
+        std::uint32_t number = 0;
         std::string name;    // different for each of a processor
-        std::string file;
         const pwr::DataDescriptor* descriptor = nullptr;
-        std::uint64_t counter = 0;         // microseconds, as last read
+        std::uint64_t counter = 0;         // as last read
         std::uint64_t pendingTicks = 0;    // booked, not yet handed in
     };
     struct Processor {
-        int number = 0;
         std::vector<State> states;
         const pwr::EntityHandle* entity = nullptr;
-        unsigned long long lastTimestamp = 0;    // of its last sampling point
+        unsigned long long lastTsc = 0;    // of its last sampling point
+        bool hasBaseline = true;
     };
 
-    void addProcessor_i(int number);
-    void leaveOut_i(int number, const std::string& file);
-    bool readCounters_i(const Processor& processor, std::vector<std::uint64_t>& counters,
-                        std::string& unreadable) const;
+    State nameState_i(const Source& source, const RecordItem& item, const Processor& processor) const;
     void announce_i(pwr::Metric& metric) const;
+    void takeProcessor_i(Processor& processor, const RecordItem* first, const RecordItem* end, unsigned long long tsc);
+    void begin_i(Processor& processor, const std::vector<std::uint64_t>& counters, unsigned long long tsc);
     void book_i(Processor& processor, const std::vector<std::uint64_t>& counters) const;
-    void handInStates_i(Processor& processor, unsigned long long timestamp);
+    void handInStates_i(Processor& processor, unsigned long long tsc);
 
-    SystemTree m_tree;
-    std::vector<Processor> m_processors;
+    std::map<std::uint32_t, Processor> m_processors;    // by number: the order of samples
+    std::string m_activeName;
     const pwr::DataDescriptor* m_active = nullptr;
-    std::uint64_t m_ticksPerMicrosecond = 0;
+    std::uint64_t m_ticksPerCount = 0;
 };
 
 }    // namespace host

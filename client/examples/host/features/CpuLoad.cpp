@@ -1,110 +1,112 @@
 #include "features/CpuLoad.h"
 
-#include "features/LoadMetric.h"
+#include "machine/SystemTree.h"
 
+#include "config/pw_utils.h"
+#include "values/Description.h"
 #include "values/EntityHandle.h"
+#include "values/Quantity.h"
 
 #include <algorithm>
-#include <charconv>
+#include <cmath>
 #include <cstddef>
-#include <system_error>
 
 namespace host {
 
 namespace {
 
-const std::string STAT = "/proc/stat";
-constexpr std::size_t IDLE = 3;
-constexpr std::size_t WAITING = 4;
+constexpr auto LOAD_QUANTITY = static_cast<pwr::QuantityType>(8);    // the first number that is free for hosts
 
-bool takeNumber(const char*& at, const char* end, auto& number)
+FeatureCapability* makeCapability()
 {
-    while (at != end && *at == ' ')
-        ++at;
-    const auto [stop, code] = std::from_chars(at, end, number);
-    at = stop;
-    return code == std::errc();
+    auto* capability = new FeatureCapability("cpu-load", "busy percent of each logical processor", "CPU-LOAD", 1);
+    capability->require(new SourceRequirement("CPU-LOAD", "processor times"));
+    return capability;
 }
 
 }    // namespace
 
-CpuLoad::CpuLoad(const SystemTree& tree) : Feature("cpu-load", "busy percent of each logical processor"), m_tree(tree)
+CpuLoad::CpuLoad() : FeaturePlugin("quorvane-host-cpu-load", makeCapability()) {}
+
+unsigned long long CpuLoad::wholePercent(double busy, double total)
 {
+    return static_cast<unsigned long long>(std::lround(std::clamp(100.0 * busy / total, 0.0, 100.0)));
 }
 
-bool CpuLoad::find_i(std::string& reason)
+void CpuLoad::takeBaseline_i(const Source&, const Items& items, unsigned long long tsc)
 {
-    std::map<int, Times> times;
-    if (readTimes_i(times)) return true;
-    reason = m_tree.realPath(STAT) + " can't be read or tells no processor";
-    return false;
+    learnColumns_i();
+    for (const RecordItem& row : items)
+        takeRow_i(row, tsc);
+}
+
+void CpuLoad::learnColumns_i()
+{
+    std::uint64_t count = 0;
+    const bool isTold = SystemTree::parseNumber(constant_i("COLUMNS_COUNT", ""), count);
+    m_columns = isTold ? static_cast<std::size_t>(std::min<std::uint64_t>(count, m_isIdle.size())) : m_isIdle.size();
+    m_isIdle.fill(false);
+    const pwr::Tokenizer idleColumns(constant_i("COLUMNS_IDLE", ""), ", ");
+    for (const std::string& text : idleColumns.get_all_tokens()) {
+        std::uint64_t column = 0;
+        if (SystemTree::parseNumber(text, column) && column < m_isIdle.size()) m_isIdle.at(column) = true;
+    }
 }
 
 std::unique_ptr<pwr::Metric> CpuLoad::makeMetric_i(const pwr::SystemMetadata& system)
 {
-    return makeLoadMetric(getSwitchTag(), system);
+    const pwr::Quantity* load = pwr::Quantity::create(LOAD_QUANTITY, "Load", "%", nullptr, 1.0);
+    auto metric = std::make_unique<pwr::Metric>("CPU load", pwr::Metric::MetricType::SampledValue, "LOAD",
+                                                getSwitchTag(), system, load);
+    metric->setEntityGroupInfo(pwr::FieldDescription("Processor", ""));
+    metric->setValueGroupInfo(pwr::FieldDescription("Load (%)", ""));
+    return metric;
 }
 
-void CpuLoad::readBaseline_i(unsigned long long)
+void CpuLoad::takeRound_i(const Source&, const Items& items, unsigned long long tsc)
 {
-    readTimes_i(m_last);
+    for (const RecordItem& row : items)
+        takeRow_i(row, tsc);
 }
 
-void CpuLoad::readRound_i(unsigned long long timestamp)
+void CpuLoad::takeRow_i(const RecordItem& row, unsigned long long tsc)
 {
-    std::map<int, Times> now;
-    if (!readTimes_i(now)) return;
-    for (const auto& [processor, times] : now) {
-        // A processor that comes on line during the run has its baseline here.
-        const auto [last, isNew] = m_last.try_emplace(processor, times);
-        if (isNew) continue;
-        sample_i(timestamp, processor, last->second, times);
-        last->second = times;
+    const int processor = row.indices.count > 0 ? static_cast<int>(row.indices.values[0]) : ALL_PROCESSORS;
+    // A processor that comes on line during the run has its baseline here.
+    const auto [entry, isNew] = m_last.try_emplace(processor);
+    Last& last = entry->second;
+    if (!isNew && tsc <= last.tsc) return;    // a second row of the same name
+    if (isNew || !last.hasBaseline) {
+        last = {row.numbers, tsc, isNew ? 0 : tsc, true};
+        return;
     }
+    sample_i(processor, last, row.numbers, tsc);
+    last.times = row.numbers;
+    last.tsc = tsc;
 }
 
-void CpuLoad::sample_i(unsigned long long timestamp, int processor, const Times& last, const Times& now)
+void CpuLoad::sample_i(int processor, Last& last, const Times& now, unsigned long long tsc)
 {
     double total = 0;
     double idle = 0;
-    for (std::size_t i = 0; i < now.size(); ++i) {
+    for (std::size_t i = 0; i < m_columns; ++i) {
         // Idle and waiting times may step back, and all begin anew when a processor was off line.
-        const double passed = now[i] > last[i] ? static_cast<double>(now[i] - last[i]) : 0.0;
+        const double passed = now.at(i) > last.times.at(i) ? static_cast<double>(now.at(i) - last.times.at(i)) : 0.0;
         total += passed;
-        if (i == IDLE || i == WAITING) idle += passed;
+        if (m_isIdle.at(i)) idle += passed;
     }
-    const pwr::EntityHandle* thread = pwr::EntityHandle::getCPUThreadHandle(processor);
-    if (total > 0 && thread != nullptr) handIn_i(timestamp, thread, nullptr, wholePercent(total - idle, total));
+    const pwr::EntityHandle* entity = processor == ALL_PROCESSORS ? pwr::EntityHandle::getCPUEntityHandle(nullptr)
+                                                                  : pwr::EntityHandle::getCPUThreadHandle(processor);
+    if (total <= 0 || entity == nullptr) return;
+    const unsigned long long duration = last.resetTsc != 0 ? tsc - last.resetTsc : 0;
+    handIn_i(tsc, entity, nullptr, wholePercent(total - idle, total), duration);
+    last.resetTsc = 0;
 }
 
-// Leaves out lines that make no sense. False when none is left.
-bool CpuLoad::readTimes_i(std::map<int, Times>& times) const
+void CpuLoad::forgetBaselines_i(unsigned long long)
 {
-    std::string text;
-    times.clear();
-    m_tree.readText(STAT, text);
-    const char* end = text.data() + text.size();
-    for (const char* line = text.data(); line < end;) {
-        const char* lineEnd = std::find(line, end, '\n');
-        int processor = 0;
-        Times read = {};
-        if (parseLine_i(line, lineEnd, processor, read)) times.emplace(processor, read);
-        line = lineEnd + (lineEnd != end ? 1 : 0);
-    }
-    return !times.empty();
-}
-
-// "cpu3 4745 2102 2201 181596 45 0 7 4 0 0"; old systems count fewer times.
-bool CpuLoad::parseLine_i(const char*& at, const char* end, int& processor, Times& times)
-{
-    for (const char letter : {'c', 'p', 'u'}) {
-        if (at == end || *at++ != letter) return false;
-    }
-    if (at == end || *at == ' ' || !takeNumber(at, end, processor) || processor < 0) return false;
-    std::size_t count = 0;
-    while (count < times.size() && takeNumber(at, end, times[count]))
-        ++count;
-    return count > IDLE;
+    for (auto& [processor, last] : m_last)
+        last.hasBaseline = false;
 }
 
 }    // namespace host

@@ -1,53 +1,52 @@
 #include "features/Temperature.h"
 
-#include "metrics/Metric.h"
+#include "collector/NumberPattern.h"
+#include "machine/SystemTree.h"
+
 #include "values/Description.h"
 #include "values/EntityHandle.h"
 #include "values/Quantity.h"
-
-#include <algorithm>
-#include <cstdint>
 
 namespace host {
 
 namespace {
 
-const std::string THERMAL_FOLDER = "/sys/class/thermal";
+FeatureCapability* makeCapability()
+{
+    auto* capability = new FeatureCapability("temperature", "degrees of each thermal zone", "TEMPERATURE", 1);
+    capability->require(new SourceRequirement("TEMPERATURE", "thermal zones"));
+    return capability;
+}
 
 }    // namespace
 
-Temperature::Temperature(const SystemTree& tree) : Feature("temperature", "degrees of each thermal zone"), m_tree(tree)
-{
-}
+Temperature::Temperature() : FeaturePlugin("quorvane-host-temperature", makeCapability()) {}
 
-bool Temperature::find_i(std::string& reason)
+void Temperature::takeBaseline_i(const Source& source, const Items& items, unsigned long long)
 {
-    m_zones.clear();
-    const std::vector<int> zones = m_tree.numberedEntries(THERMAL_FOLDER, "thermal_zone");
-    for (const int zone : zones)
-        addZone_i(zone);
-    if (!m_zones.empty()) return true;
-    reason = (zones.empty() ? "there is no thermal zone below " : "no thermal zone can be read below ") +
-             m_tree.realPath(THERMAL_FOLDER);
-    return false;
-}
-
-void Temperature::addZone_i(int number)
-{
-    const std::string folder = THERMAL_FOLDER + "/thermal_zone" + std::to_string(number);
-    Zone zone;
-    zone.file = folder + "/temp";
-    std::int64_t ignored = 0;
-    if (!m_tree.readNumber(zone.file, ignored)) {
-        remark_i("thermal zone " + std::to_string(number) + " is left out, since " + m_tree.realPath(zone.file) +
-                 " can't be read");
-        return;
+    std::uint64_t perDegree = 0;
+    if (SystemTree::parseNumber(constant_i("UNITS_PER-DEGREE", ""), perDegree) && perDegree > 0)
+        m_perDegree = static_cast<double>(perDegree);
+    for (const RecordItem& item : items) {
+        if (item.isRead) {
+            m_zones[{source.tag, item.indices}].name = uniqueName_i(source, item);
+        } else {
+            const bool isZone = item.indices.count == 1;
+            remarkLeftOut_i(isZone ? fillPattern("thermal zone *", item.indices) : plainName_i(source, item), source,
+                            item);
+        }
     }
-    const std::string plainName = "thermal_zone" + std::to_string(number);
-    if (!m_tree.readText(folder + "/type", zone.name) || zone.name.empty()) zone.name = plainName;
-    const auto hasName = [&zone](const Zone& other) { return other.name == zone.name; };
-    if (std::any_of(m_zones.begin(), m_zones.end(), hasName)) zone.name += " (" + plainName + ")";
-    m_zones.push_back(zone);
+}
+
+std::string Temperature::uniqueName_i(const Source& source, const RecordItem& item)
+{
+    const std::string text = textOf_i(source, item);
+    const std::string plain = plainName_i(source, item);
+    const std::string name = text.empty() ? plain : text;
+    for (const std::string& choice : {name, name + " (" + plain + ")"}) {
+        if (m_names.insert(choice).second) return choice;
+    }
+    return fillPattern(source.pattern, item.indices);
 }
 
 std::unique_ptr<pwr::Metric> Temperature::makeMetric_i(const pwr::SystemMetadata& system)
@@ -56,22 +55,33 @@ std::unique_ptr<pwr::Metric> Temperature::makeMetric_i(const pwr::SystemMetadata
                                                 getSwitchTag(), system, pwr::Quantity::temperature());
     metric->setEntityGroupInfo(pwr::FieldDescription("Thermal zone", ""));
     metric->setValueGroupInfo(pwr::FieldDescription("Temperature", ""));
-    for (Zone& zone : m_zones) {
-        zone.entity = pwr::EntityHandle::create(zone.name, pwr::EntityHandle::getSystemHandle());
-    }
+    for (auto& [place, zone] : m_zones)
+        openZone_i(zone);
     return metric;
 }
 
-// A temperature is what it is at the moment: nothing accrues.
-void Temperature::readBaseline_i(unsigned long long) {}
-
-void Temperature::readRound_i(unsigned long long timestamp)
+void Temperature::takeRound_i(const Source& source, const Items& items, unsigned long long tsc)
 {
-    for (const Zone& zone : m_zones) {
-        std::int64_t thousandths = 0;
-        if (!m_tree.readNumber(zone.file, thousandths)) continue;
-        handIn_i(timestamp, zone.entity, nullptr, static_cast<double>(thousandths) / 1000.0);
+    const unsigned long long duration = tsc == m_resetTsc ? pwr::Metric::RESET_DURATION : 0;
+    for (const RecordItem& item : items) {
+        const auto zone = m_zones.find({source.tag, item.indices});
+        if (zone == m_zones.end() || !item.isRead) continue;
+        openZone_i(zone->second);
+        handIn_i(tsc, zone->second.entity, nullptr, item.toReal() / m_perDegree, duration);
     }
+}
+
+// The order of the first calls is the order of the rows.
+void Temperature::openZone_i(Zone& zone)
+{
+    if (zone.entity == nullptr) {
+        zone.entity = pwr::EntityHandle::create(zone.name, pwr::EntityHandle::getSystemHandle());
+    }
+}
+
+void Temperature::forgetBaselines_i(unsigned long long tsc)
+{
+    m_resetTsc = tsc;
 }
 
 }    // namespace host

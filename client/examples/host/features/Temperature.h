@@ -1,31 +1,37 @@
 #pragma once
 
-#include "features/Feature.h"
-#include "machine/SystemTree.h"
+#include "features/FeaturePlugin.h"
+
+#include <set>
 
 namespace host {
 
-// Degrees of each thermal zone below /sys/class/thermal. A zone that can't be read in some round has no sample there.
-class Temperature : public Feature {
+// Degrees of each thermal zone or sensor. One that can't be read in some round has no sample there. Nothing accrues, so
+// that a reset only means that the sample behind it stands for no time.
+class Temperature : public FeaturePlugin {
 public:
-    explicit Temperature(const SystemTree& tree);
+    Temperature();
 
 protected:
-    bool find_i(std::string& reason) override;
-    void readBaseline_i(unsigned long long timestamp) override;
+    void takeBaseline_i(const Source& source, const Items& items, unsigned long long tsc) override;
     std::unique_ptr<pwr::Metric> makeMetric_i(const pwr::SystemMetadata& system) override;
-    void readRound_i(unsigned long long timestamp) override;
+    void takeRound_i(const Source& source, const Items& items, unsigned long long tsc) override;
+    void forgetBaselines_i(unsigned long long tsc) override;
 
 private:
     struct Zone {
         std::string name;    // different for each
-        std::string file;
         const pwr::EntityHandle* entity = nullptr;
     };
-    void addZone_i(int number);
+    using Place = std::pair<std::string, Indices>;    // the tag of the source, and the numbers
 
-    SystemTree m_tree;
-    std::vector<Zone> m_zones;
+    std::string uniqueName_i(const Source& source, const RecordItem& item);
+    static void openZone_i(Zone& zone);
+
+    std::map<Place, Zone> m_zones;
+    std::set<std::string> m_names;
+    double m_perDegree = 1000;
+    unsigned long long m_resetTsc = 0;
 };
 
 }    // namespace host

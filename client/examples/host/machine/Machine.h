@@ -10,13 +10,14 @@ class SystemMetadata;
 
 namespace host {
 
-class Feature;
+class Collector;
+class MachineClock;
 
-// The measured machine: what stands in its record, and what can be measured on it.
+// The measured machine: what stands in its record, and who collects from it.
 //
 //   std::unique_ptr<Machine> machine = openMachine("");
 //   machine->describe(record, remarks);
-//   for (auto& feature : machine->makeFeatures()) ...
+//   std::unique_ptr<Collector> collector = machine->makeCollector(clock);
 class Machine {
 public:
     Machine() = default;
@@ -28,9 +29,8 @@ public:
     // user go to `remarks`. False when no processor was found.
     virtual bool describe(pwr::SystemMetadata& record, std::vector<std::string>& remarks) const = 0;
 
-    // All features that the host knows for this kind of machine; whether one is offered it finds out by itself. They
-    // may not outlive the machine.
-    virtual std::vector<std::unique_ptr<Feature>> makeFeatures() const = 0;
+    // The collector with the kinds of access that this kind of machine has. `clock` outlives it.
+    virtual std::unique_ptr<Collector> makeCollector(MachineClock& clock) const = 0;
 
 protected:
     // What this processor tells of itself: family, model and stepping, frequencies. 0 where it tells nothing.

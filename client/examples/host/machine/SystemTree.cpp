@@ -53,6 +53,12 @@ bool SystemTree::isFolder(const std::string& path) const
     return std::filesystem::is_directory(realPath(path), ignored);
 }
 
+bool SystemTree::exists(const std::string& path) const
+{
+    std::error_code ignored;
+    return std::filesystem::exists(realPath(path), ignored);
+}
+
 bool SystemTree::readText(const std::string& path, std::string& text) const
 {
     text.clear();
@@ -68,29 +74,41 @@ bool SystemTree::readText(const std::string& path, std::string& text) const
 bool SystemTree::readNumber(const std::string& path, std::uint64_t& value) const
 {
     std::string text;
-    return readText(path, text) && parseWhole(text, value);
+    return readText(path, text) && parseNumber(text, value);
 }
 
 bool SystemTree::readNumber(const std::string& path, std::int64_t& value) const
 {
     std::string text;
-    return readText(path, text) && parseWhole(text, value);
+    return readText(path, text) && parseNumber(text, value);
 }
 
-std::vector<int> SystemTree::numberedEntries(const std::string& folder, const std::string& prefix) const
+std::vector<int> SystemTree::numberedEntries(const std::string& folder, const std::string& prefix,
+                                             const std::string& suffix) const
 {
     std::vector<int> numbers;
     std::error_code error;
     std::filesystem::directory_iterator entry(realPath(folder), error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const std::string name = entry->path().filename().string();
+        if (name.size() < prefix.size() + suffix.size() || !name.starts_with(prefix) || !name.ends_with(suffix))
+            continue;
+        const std::string digits = name.substr(prefix.size(), name.size() - prefix.size() - suffix.size());
         int number = 0;
-        if (name.starts_with(prefix) && parseWhole(name.substr(prefix.size()), number) && number >= 0) {
-            numbers.push_back(number);
-        }
+        if (parseWhole(digits, number) && number >= 0 && std::to_string(number) == digits) numbers.push_back(number);
     }
     std::sort(numbers.begin(), numbers.end());
     return numbers;
+}
+
+bool SystemTree::parseNumber(const std::string& text, std::uint64_t& value)
+{
+    return parseWhole(text, value);
+}
+
+bool SystemTree::parseNumber(const std::string& text, std::int64_t& value)
+{
+    return parseWhole(text, value);
 }
 
 }    // namespace host

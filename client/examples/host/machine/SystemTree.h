@@ -23,6 +23,7 @@ public:
     std::string realPath(const std::string& path) const { return m_prefix + path; }
 
     bool isFolder(const std::string& path) const;
+    bool exists(const std::string& path) const;
 
     // All of a file, without the blanks and line ends behind. False, with `text` empty, when it can't be read.
     bool readText(const std::string& path, std::string& text) const;
@@ -30,8 +31,14 @@ public:
     bool readNumber(const std::string& path, std::uint64_t& value) const;
     bool readNumber(const std::string& path, std::int64_t& value) const;
 
-    // The numbers behind `prefix` in the names of the entries of a folder, ascending: "cpu0", "cpu7" give 0 and 7.
-    std::vector<int> numberedEntries(const std::string& folder, const std::string& prefix) const;
+    // The numbers between `prefix` and `suffix` in the names of the entries of a folder, ascending: "cpu0", "cpu7" give
+    // 0 and 7. Numbers are plain: "cpu07" is none.
+    std::vector<int> numberedEntries(const std::string& folder, const std::string& prefix,
+                                     const std::string& suffix = "") const;
+
+    // The whole text is one number. False, with `value` left alone, for any other.
+    static bool parseNumber(const std::string& text, std::uint64_t& value);
+    static bool parseNumber(const std::string& text, std::int64_t& value);
 
 private:
     std::string m_prefix;    // in front of every path

@@ -1,8 +1,6 @@
 #include "machine/TreeMachine.h"
 
-#include "features/CpuIdle.h"
-#include "features/CpuLoad.h"
-#include "features/Temperature.h"
+#include "collector/TreeCollector.h"
 #include "machine/Topology.h"
 
 #include "config/pw_utils.h"
@@ -56,13 +54,9 @@ bool TreeMachine::describe(pwr::SystemMetadata& record, std::vector<std::string>
     return record.getCPUTopology().getNumThreads() > 0;
 }
 
-std::vector<std::unique_ptr<Feature>> TreeMachine::makeFeatures() const
+std::unique_ptr<Collector> TreeMachine::makeCollector(MachineClock& clock) const
 {
-    std::vector<std::unique_ptr<Feature>> features;
-    features.push_back(std::make_unique<CpuIdle>(m_tree));
-    features.push_back(std::make_unique<CpuLoad>(m_tree));
-    features.push_back(std::make_unique<Temperature>(m_tree));
-    return features;
+    return std::make_unique<TreeCollector>(m_tree, clock);
 }
 
 std::string TreeMachine::textOr_i(const std::string& path, const std::string& fallback) const

@@ -12,7 +12,7 @@ public:
     explicit TreeMachine(const std::string& root) : m_tree(root) {}
 
     bool describe(pwr::SystemMetadata& record, std::vector<std::string>& remarks) const override;
-    std::vector<std::unique_ptr<Feature>> makeFeatures() const override;
+    std::unique_ptr<Collector> makeCollector(MachineClock& clock) const override;
 
 private:
     std::string textOr_i(const std::string& path, const std::string& fallback) const;

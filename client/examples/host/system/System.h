@@ -11,6 +11,13 @@ class Machine;
 
 std::unique_ptr<Machine> openThisMachine();
 
+// The clock that goes on while the system sleeps, and the one that does not. Each counts from a moment of its own.
+struct SleepClocks {
+    unsigned long long bootNs = 0;
+    unsigned long long monotonicNs = 0;
+};
+SleepClocks readSleepClocks();
+
 // Whether a person watches the standard error stream.
 bool isErrorStreamTerminal();
 

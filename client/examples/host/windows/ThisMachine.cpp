@@ -1,4 +1,4 @@
-#include "CpuTotalLoad.h"
+#include "SystemTimesCollector.h"
 #include "machine/Machine.h"
 #include "machine/Topology.h"
 #include "system/System.h"
@@ -95,11 +95,9 @@ public:
         return true;
     }
 
-    std::vector<std::unique_ptr<Feature>> makeFeatures() const override
+    std::unique_ptr<Collector> makeCollector(MachineClock& clock) const override
     {
-        std::vector<std::unique_ptr<Feature>> features;
-        features.push_back(std::make_unique<CpuTotalLoad>());
-        return features;
+        return std::make_unique<SystemTimesCollector>(clock);
     }
 };
 
@@ -108,6 +106,14 @@ public:
 std::unique_ptr<Machine> openThisMachine()
 {
     return std::make_unique<WindowsMachine>();
+}
+
+// The count of milliseconds goes on while the system sleeps.
+SleepClocks readSleepClocks()
+{
+    ULONGLONG awake100ns = 0;
+    QueryUnbiasedInterruptTime(&awake100ns);
+    return {GetTickCount64() * 1'000'000, awake100ns * 100};
 }
 
 bool isErrorStreamTerminal()

@@ -54,7 +54,10 @@ void printLine(std::ostream& out, const std::vector<std::string>& cells, const s
 
 }    // namespace
 
-ConsoleWriter::ConsoleWriter(std::ostream& out) : TableWriter("quorvane-host-console-writer"), m_out(out) {}
+ConsoleWriter::ConsoleWriter(std::ostream& out)
+    : TableWriter("quorvane-host-console-writer", "console", "summary tables with aligned columns", ""), m_out(out)
+{
+}
 
 int ConsoleWriter::closeOutput()
 {

@@ -66,7 +66,11 @@ double ticksPerSecond(const pwr::SystemMetadata* system)
 
 }    // namespace
 
-CsvWriter::CsvWriter(const std::string& prefix) : TableWriter("quorvane-host-csv-writer"), m_prefix(prefix) {}
+CsvWriter::CsvWriter(const std::string& prefix)
+    : TableWriter("quorvane-host-csv-writer", "csv", "summary tables and timelines for other programs", ".csv"),
+      m_prefix(prefix)
+{
+}
 
 int CsvWriter::openOutput()
 {

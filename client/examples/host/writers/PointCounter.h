@@ -2,6 +2,7 @@
 
 #include "metrics/Metric.h"
 #include "output/WriterPlugin.h"
+#include "plugins/PluginCapability.h"
 
 #include <cstdint>
 #include <map>
@@ -11,7 +12,10 @@ namespace host {
 // Counts the data points of each metric that reach the writers.
 class PointCounter : public WriterPlugin {
 public:
-    PointCounter() : WriterPlugin("quorvane-host-point-counter") {}
+    PointCounter() : WriterPlugin("quorvane-host-point-counter")
+    {
+        addCapability(new pwr::WriterPluginCapability({}, "point-counter", "counts data points", "", false));
+    }
     int openOutput() override { return 0; }
     int closeOutput() override { return 0; }
 

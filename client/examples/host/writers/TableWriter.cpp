@@ -3,6 +3,7 @@
 #include "output/TableMessage.h"
 #include "output/TextNotes.h"
 #include "output/WriterMessage.h"
+#include "plugins/PluginCapability.h"
 #include "values/EntityHandle.h"
 
 #include <deque>
@@ -17,6 +18,13 @@ std::string nameOf(const pwr::DataHandle* handle)
 }
 
 }    // namespace
+
+TableWriter::TableWriter(const std::string& uuid, const std::string& name, const std::string& description,
+                         const std::string& fileSuffix)
+    : WriterPlugin(uuid)
+{
+    addCapability(new pwr::WriterPluginCapability({SUMMARIES}, name, description, fileSuffix, false));
+}
 
 void TableWriter::finishTables_i()
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output/TableTypes.h"
 #include "output/WriterPlugin.h"
 
 #include <string>
@@ -22,8 +23,14 @@ struct TableHead {
 // The part that writers of tables share: it puts the messages of a table (a layout, then row after row) together again,
 // and the notes of a metric around its tables. closeOutput() of a derived class begins with finishTables_i().
 class TableWriter : public WriterPlugin {
+public:
+    // The class of all tables that this host's producers make.
+    static constexpr pwr::TableClass SUMMARIES{};
+
 protected:
-    explicit TableWriter(const std::string& name) : WriterPlugin(name) {}
+    // What the writer is for, and the end of its files' names; empty without files.
+    TableWriter(const std::string& uuid, const std::string& name, const std::string& description,
+                const std::string& fileSuffix);
 
     virtual void beginMetric_i(const std::string& banner) = 0;
     virtual void writeNotes_i(const std::vector<std::string>& notes) = 0;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "collector/Collector.h"
+#include "machine/SystemTree.h"
+
+namespace host {
+
+// Collects from a machine that tells about itself by files: "SYSFS" and "PROCFS", see TreeOperations.h.
+class TreeCollector : public Collector {
+public:
+    TreeCollector(const SystemTree& tree, MachineClock& clock);
+};
+
+}    // namespace host

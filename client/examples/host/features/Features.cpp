@@ -1,0 +1,70 @@
+#include "features/Features.h"
+
+#include "features/CpuIdle.h"
+#include "features/CpuLoad.h"
+#include "features/Temperature.h"
+
+#include "config/ConfigCap.h"
+#include "config/qv_configfile_parser.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace host {
+
+Feature::Feature(std::unique_ptr<FeaturePlugin> plugin, const pwr::ConfigCap* config)
+    : m_plugin(std::move(plugin)), m_config(config)
+{
+}
+
+const std::string& Feature::getDescription() const
+{
+    const bool isTold = m_config != nullptr && !m_config->getDescription().empty();
+    return isTold ? m_config->getDescription() : m_plugin->getCapability().getDescription();
+}
+
+bool Feature::isHidden() const
+{
+    return m_plugin->getCapability().isHidden() || (m_config != nullptr && m_config->isHidden());
+}
+
+bool Feature::answersTo(const std::string& name) const
+{
+    if (m_plugin->getCapability().equals(name)) return true;
+    return m_config != nullptr && (m_config->getName() == name || m_config->getGroups().count(name) != 0);
+}
+
+bool Feature::isAvailable(const pwr::SystemMetadata& system, const Plugin::Params& params) const
+{
+    Plugin::Capabilities suitable;
+    m_plugin->getCapabilitiesFor(suitable, getName(), system, params);
+    return !suitable.empty();
+}
+
+std::string Feature::explain(const pwr::SystemMetadata& system, const Plugin::Params& params) const
+{
+    return m_plugin->getCapability().explain(system, params);
+}
+
+std::vector<Feature> makeFeatures(const std::string& platforms)
+{
+    std::vector<std::unique_ptr<FeaturePlugin>> plugins;
+    plugins.push_back(std::make_unique<CpuIdle>());
+    plugins.push_back(std::make_unique<CpuLoad>());
+    plugins.push_back(std::make_unique<Temperature>());
+
+    std::vector<const pwr::ConfigCap*> told;
+    pwr::QVConfigFileParser::instance()->getCapabilitiesFor(told, platforms);
+    std::vector<Feature> features;
+    for (std::unique_ptr<FeaturePlugin>& plugin : plugins) {
+        // The nearest platform stands in front.
+        const std::string& prefix = plugin->getCapability().getConfigFilePrefix();
+        const auto config = std::find_if(told.begin(), told.end(), [&prefix](const pwr::ConfigCap* capability) {
+            return capability->getConfigfilePrefix() == prefix;
+        });
+        features.emplace_back(std::move(plugin), config != told.end() ? *config : nullptr);
+    }
+    return features;
+}
+
+}    // namespace host
