@@ -8,6 +8,7 @@
 #include "metrics/Metric.h"
 #include "output/TableMessage.h"
 #include "output/TextNotes.h"
+#include "plugins/PluginCapability.h"
 #include "record/SystemMetadata.h"
 #include "values/EntityHandle.h"
 #include "values/Formatter.h"
@@ -116,6 +117,20 @@ protected:
     host::CsvWriter csv;
     host::OutputStream stream;
 };
+
+TEST_F(WritersTest, EachWriterHasOneCapabilityAndTheStreamKnowsItsTables)
+{
+    for (const WriterPlugin* writer :
+         {static_cast<const WriterPlugin*>(&console), static_cast<const WriterPlugin*>(&csv)}) {
+        Plugin::Capabilities capabilities;
+        writer->getAllCapabilities(capabilities);
+        ASSERT_EQ(1u, capabilities.size());
+        EXPECT_EQ(writer, capabilities[0]->getOwner());
+    }
+    const auto* published = static_cast<WriterStream*>(session.getEnvironment().getWriterStream());
+    EXPECT_TRUE(published->isSupportedTableClass(host::TableWriter::SUMMARIES));
+    EXPECT_FALSE(published->isSupportedTableClass(pwr::TableClass{1}));
+}
 
 TEST_F(WritersTest, HostileTextsStayInTheirCells)
 {

@@ -70,6 +70,23 @@ std::string textOf(BlockKind kind, const RecordItem& item)
     return text;
 }
 
+void readNow(const SourceOperation& source, CollectorPlugin::Results& results)
+{
+    QVBuffer buffer;
+    buffer.beginRecord(0, {});
+    source.open()->read(buffer);
+    buffer.endRecord();
+    std::size_t offset = 0;
+    PayloadReader payload(buffer.next(offset));
+    RecordItem item;
+    while (payload.nextBlock()) {
+        while (payload.nextItem(item)) {
+            if (!item.isRead) continue;
+            results.emplace_back(fillPattern(source.describe(), item.indices), textOf(payload.getKind(), item));
+        }
+    }
+}
+
 }    // namespace
 
 Collector::Collector(const std::string& uuid, MachineClock& clock) : CollectorPlugin(uuid), m_clock(clock)
@@ -205,26 +222,11 @@ bool Collector::canCollectMessage(const pwr::InputMsg* message)
 int Collector::doImmediateRead(const pwr::InputMsg* message, Results& results)
 {
     if (message == nullptr) return -1;
-    bool isAnyRead = false;
+    const std::size_t before = results.size();
     for (const pwr::Operation* operation : message->getOperations()) {
-        const SourceOperation* source = sourceOf(operation);
-        if (source == nullptr) continue;
-        QVBuffer buffer;
-        buffer.beginRecord(0, {});
-        source->open()->read(buffer);
-        buffer.endRecord();
-        std::size_t offset = 0;
-        PayloadReader payload(buffer.next(offset));
-        RecordItem item;
-        while (payload.nextBlock()) {
-            while (payload.nextItem(item)) {
-                if (!item.isRead) continue;
-                results.emplace_back(fillPattern(source->describe(), item.indices), textOf(payload.getKind(), item));
-                isAnyRead = true;
-            }
-        }
+        if (const SourceOperation* source = sourceOf(operation)) readNow(*source, results);
     }
-    return isAnyRead ? 0 : -1;
+    return results.size() > before ? 0 : -1;
 }
 
 // The time of the next records, with what happened since the last ones. False while there can be none.

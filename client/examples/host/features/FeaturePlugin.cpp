@@ -53,6 +53,7 @@ int FeaturePlugin::initializeCollection(Messages& messages, MetadataList& metada
                                         const Params& params, const pwr::SystemMetadata& system)
 {
     MetricPlugin::initializeCollection(messages, metadata, feature, params, system);
+    if (feature != getName()) return -1;
     Messages found;
     const std::string platforms = parameter(params, SourceRequirement::PLATFORMS);
     pwr::QVConfigFileParser::instance()->getMessagesFor(found, platforms, m_capability.getConfigFilePrefix(), TRIGGERS,

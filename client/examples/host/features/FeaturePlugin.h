@@ -42,8 +42,9 @@ public:
     int initialize(const pwr::SystemMetadata&) override { return 0; }
     int finalize(const pwr::SystemMetadata&) override { return 0; }
 
-    // Appends the messages of the feature's prefix, with the ids by which their records find the way back. -1 when the
-    // configuration has none for the platforms, the parameter SourceRequirement::PLATFORMS, or too many.
+    // Appends the messages of the feature's prefix, with the ids by which their records find the way back. -1 for
+    // another feature, and when the configuration has none for the platforms, the parameter
+    // SourceRequirement::PLATFORMS, or too many.
     int initializeCollection(Messages& messages, MetadataList& metadata, const std::string& feature,
                              const Params& params, const pwr::SystemMetadata& system) override;
     QVDynamicHelpType getDynamicHelpDisplayType(const std::string& feature, const Params& params,
