@@ -1,4 +1,5 @@
 #include "runtime/os/Files.h"
+#include "runtime/os/posix/WindowsCodes.h"
 
 #include <cerrno>
 
@@ -10,28 +11,10 @@ namespace pwr::os {
 
 namespace {
 
-// What Windows reports where this system reports `errnum` for a directory that can't be created.
-int windowsError(int errnum)
+// A directory that can't be created for a missing parent is told apart from a missing file.
+int directoryError(int errnum)
 {
-    switch (errnum) {
-    case EEXIST:
-        return 183;
-    case ENOENT:
-    case ENOTDIR:
-        return 3;
-    case EACCES:
-    case EPERM:
-        return 5;
-    case EROFS:
-        return 19;
-    case ENOSPC:
-    case EDQUOT:
-        return 112;
-    case ENAMETOOLONG:
-        return 206;
-    default:
-        return 31;    // general failure
-    }
+    return errnum == ENOENT ? 3 : windowsCode(errnum);
 }
 
 int failure()
@@ -53,7 +36,7 @@ public:
     {
         lastError = 0;
         if (mkdir(path.c_str(), S_IRWXU | S_IRGRP | S_IXGRP | S_IROTH | S_IXOTH) == 0) return true;
-        lastError = windowsError(errno);
+        lastError = directoryError(errno);
         return false;
     }
 
