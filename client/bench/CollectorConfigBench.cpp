@@ -7,6 +7,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -212,12 +214,14 @@ void BM_CollectorConfigParse(benchmark::State& state)
     const SystemMetadata system;
     auto* config = QVConfigFileParser::instance();
     config->destroy();
-    static const double before = memoryMB("VmRSS");    // what is freed stays with the process
+    malloc_trim(0);
+    const double before = memoryMB("VmRSS");
     resetPeakMemory();
     for (auto _ : state) {
         if (config->parse({file.path()}, {&collector}, system) != 0) std::abort();
         state.PauseTiming();
         config->destroy();
+        malloc_trim(0);    // the next load starts as in a fresh process
         state.ResumeTiming();
     }
     state.counters["memory_MB"] = memoryMB("VmHWM") - before;

@@ -1,13 +1,12 @@
 // Input: an output configuration file. Invariant: no crash, no leak; a load fails with a reason in the error log or
 // succeeds without one; logging everything changes nothing that the queries tell.
 
+#include "InputFile.h"
+
 #include "config/OutputConfig.h"
 #include "plugins/PluginEnvironment.h"
 #include "record/SystemMetadata.h"
-#include "runtime/Logger.h"
-#include "runtime/os/Os.h"
 
-#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <deque>
@@ -17,38 +16,6 @@
 #include <vector>
 
 namespace {
-
-class CountingLogger : public Logger {
-public:
-    void writeOut() override { size += m_buffer.size(); }
-    std::size_t size = 0;
-};
-
-class SilentConsole : public pwr::os::Console {
-public:
-    void writeError(const char*) override {}
-};
-
-// One file, whatever its path: the input.
-class InputFile : public pwr::os::Files {
-public:
-    InputFile(const std::uint8_t* data, std::size_t size) : m_bytes(data, data + size) {}
-
-    char pathSeparator() const override { return '/'; }
-    bool createDirectory(const std::string&, int&) override { return false; }
-    int queryDirectory(const std::string&, bool&) override { return ENOENT; }
-    int openStream(FILE** stream, const char*, const char*) override
-    {
-        *stream = fmemopen(m_bytes.data(), m_bytes.size(), "rb");
-        return *stream != nullptr ? 0 : errno;
-    }
-    int reopenStream(FILE**, const char*, const char*, FILE*) override { return ENOENT; }
-    int openDescriptor(int&, const char*, int) override { return ENOENT; }
-    int duplicateDescriptor(FILE*, FILE*) override { return -1; }
-
-private:
-    std::vector<std::uint8_t> m_bytes;
-};
 
 struct Loaded {
     bool hasErrors = false;
@@ -77,8 +44,8 @@ void askForTables(Loaded& loaded, const std::string& metric, const std::string& 
 
 Loaded load(unsigned short verbosity)
 {
-    CountingLogger errors;
-    CountingLogger rest;
+    TextLogger errors;
+    TextLogger rest;
     PluginEnvironment environment;
     environment.setErrorLogger(&errors);
     environment.setDebugLogger(&rest);
@@ -88,7 +55,7 @@ Loaded load(unsigned short verbosity)
     auto* config = pwr::WriterInterfaceConfigFileParser::instance();
     Loaded loaded;
     loaded.result = config->parse({"input", "input"}, pwr::SystemMetadata());
-    loaded.hasErrors = errors.size > 0;
+    loaded.hasErrors = !errors.text.empty();
     config->getFeatureOrder(loaded.features);
     config->getAllFeaturePrefixes(loaded.prefixes);
     const std::set<std::string> features(loaded.prefixes.begin(), loaded.prefixes.end());
@@ -107,7 +74,7 @@ Loaded load(unsigned short verbosity)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0) return 0;
+    if (size == 0) return 0;    // no memory file has no bytes
     InputFile file(data, size);
     SilentConsole console;
     pwr::os::current().files = &file;

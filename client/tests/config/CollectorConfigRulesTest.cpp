@@ -181,6 +181,20 @@ TEST_F(CollectorConfigRulesTest, TheErrorStreamNamesTheFileAndWhatTheLogDoesNot)
     EXPECT_EQ("Error opening config file missing.conf\n", m_console.text);
 }
 
+// Triggers test the operations that are there; one that was asked before is asked again after a setting.
+TEST_F(CollectorConfigRulesTest, ATriggerTestsEveryOperationOfTheMoment)
+{
+    const std::string readable = "ALL_FEAT_A_OPKIND_CATEG=1\nALL_FEAT_A_MSG_READ-WHEN=POLL\n";
+    EXPECT_EQ(0, load(readable + "ALL_FEAT_A_OPKIND_CATEG=WRITE-ONLY\n"));
+    EXPECT_EQ(0, load(readable + "ALL_FEAT_B_OPKIND_CATEG=WRITE-ONLY\nALL_FEAT_A_MSG_GROUP=B\n"));
+    for (const char* line : {"ALL_FEAT_A_OPKIND_CATEG=WRITE-ONLY\nALL_FEAT_A_MSG_READ-WHEN=POLL\n",
+                             "ALL_FEAT_B_OPKIND_CATEG=WRITE-ONLY\nALL_FEAT_A_MSG_GROUP=B\n"
+                             "ALL_FEAT_A_MSG_READ-WHEN=POLL\n"}) {
+        fail(readable + line);
+        EXPECT_EQ(0u, m_console.text.find("Commands are not compatible!\n")) << line;
+    }
+}
+
 TEST_F(CollectorConfigRulesTest, DebugLoggingOfTheParserShowsInheritAndHiddenLines)
 {
     m_log.environment().setVerbosity(0);

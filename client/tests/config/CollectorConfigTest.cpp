@@ -263,4 +263,29 @@ TEST_F(CollectorConfigTest, BadFilesFailOrLoadAndTheNextParseWorks)
     std::filesystem::remove("folder.conf");
 }
 
+TEST_F(CollectorConfigTest, APrefixMayBeEmpty)
+{
+    ASSERT_EQ(0, load("ALL__A_OPKIND_CATEG=1\nALL__B_OPKIND_CATEG=1\nALL__A_MSG_READ-WHEN=POLL\n"
+                      "ALL__A_MSG_GROUP=B\nALL__B_OPKIND_CATEG=2\n"));
+    EXPECT_EQ(Names({"ALL__A"}), messages("ALL", "", {"POLL"}));
+    EXPECT_EQ(Names({"_A_OPKIND", "_B_OPKIND"}), operationsOf(message("ALL", "")));
+}
+
+// Files are read in blocks.
+TEST_F(CollectorConfigTest, LinesOfAnyLengthKeepTheirText)
+{
+    std::string lines = "ALL_FEAT_A_MSG_READ-WHEN=POLL\n";
+    Settings expected;
+    for (std::size_t i = 0; i < 3000; ++i) {
+        const std::string key = "K" + std::to_string(i);
+        expected.emplace_back("FEAT_A_" + key, std::string(i == 1500 ? 300000 : i % 97, 'x'));
+        lines += "ALL_FEAT_A_CONSTANT_" + key + "=" + expected.back().second + (i % 2 == 0 ? "\n" : "  # y\r\n");
+    }
+    lines.pop_back();    // the last line has no end
+    ASSERT_EQ(0, load(lines));
+    const InputMsg& constants = message("ALL", "FEAT");
+    ASSERT_EQ(1u, constants.getOperationCount());
+    EXPECT_EQ(expected, settingsOf(*constants.begin()));
+}
+
 }    // namespace

@@ -91,6 +91,24 @@ TEST_F(ParserQueriesTest, AChainRunsFromTheMostSpecificPlatformToTheRoot)
         EXPECT_EQ(c.chain, chain(c.names)) << c.names;
 }
 
+TEST_F(ParserQueriesTest, ThePlatformsNameSaysItsParent)
+{
+    ASSERT_TRUE(loads("ALL-_MODEL_A_CONSTANT_VALUE=1\nALL-X_MODEL_A_CONSTANT_VALUE=1\nX_MODEL_A_CONSTANT_VALUE=1\n"
+                      "X-P_MODEL_A_CONSTANT_VALUE=1\nX-Q-_MODEL_A_CONSTANT_VALUE=1\nX--_FEAT_M_OPKIND_CATEG=1\n"
+                      "X--P_MODEL_A_CONSTANT_VALUE=1\n"));
+    const struct {
+        const char* name;
+        Names chain;
+    } cases[] = {
+        {"ALL-X", {"ALL-X", "ALL"}}, {"X-P", {"X-P", "X", "ALL"}},
+        {"X-Q", {"X-Q", "ALL"}},    // nothing behind the last "-": no tail
+        {"X-", {"X-", "ALL"}},       {"X--P", {"X--P", "X-", "ALL"}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.chain, chain(std::string("F=") + c.name));
+    EXPECT_EQ(Names({"X-_FEAT_M"}), resolved("F=X--P"));
+}
+
 TEST_F(ParserQueriesTest, AChainNeedsNamesThatExist)
 {
     ASSERT_TRUE(loads("ALL_MODEL_A_CONSTANT_VALUE=1\n"));

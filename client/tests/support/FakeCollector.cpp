@@ -58,7 +58,8 @@ bool FakeOperation::canSetCategory(const std::string& category) const
 
 bool FakeOperation::isValidCommand_i(pwr::QVOpCommand command) const
 {
-    return command == pwr::QVOpCommand::READ || canWrite;
+    const bool canRead = settings.empty() || settings.back().second != "WRITE-ONLY";
+    return command == pwr::QVOpCommand::READ ? canRead : canWrite;
 }
 
 FakeOperation& FakeCollector::provide(const std::string& kind, const std::vector<std::string>& categories)

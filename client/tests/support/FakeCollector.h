@@ -10,7 +10,8 @@
 
 namespace test {
 
-// An operation of any kind that keeps its settings and refuses the value "REFUSED".
+// An operation of any kind that keeps its settings and refuses the value "REFUSED". With the value "WRITE-ONLY" it
+// can't be read any more.
 class FakeOperation : public pwr::Operation {
 public:
     explicit FakeOperation(const std::string& kind, const std::vector<std::string>& categories = {"CATEG"});

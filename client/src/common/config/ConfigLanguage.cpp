@@ -1,9 +1,11 @@
 #include "config/ConfigLanguage.h"
 
-#include "config/pw_utils.h"
 #include "runtime/Log.h"
 #include "runtime/os/Os.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <memory>
 
 namespace pwr {
@@ -19,13 +21,64 @@ bool isBlank(char c)
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
 
+// Hands out the lines of a stream, of any length and without their line feeds, from blocks: a piece of a few bytes at a
+// time would cost as much as the rest of reading a line.
+class LineBlocks {
+public:
+    explicit LineBlocks(FILE* fp) : m_stream(fp), m_block(std::size_t{1} << 16, '\0') {}
+
+    // False at the end, and on a read error. The line is good until the next call.
+    bool next(std::string_view& line)
+    {
+        std::size_t searched = m_begin;
+        const void* lineFeed = find_i(searched);
+        while (lineFeed == nullptr) {
+            searched = m_end - m_begin;    // where fill_i() reads on
+            if (!fill_i()) return last_i(line);
+            lineFeed = find_i(searched);
+        }
+        const auto end = static_cast<std::size_t>(static_cast<const char*>(lineFeed) - m_block.data());
+        line = std::string_view(m_block).substr(m_begin, end - m_begin);
+        m_begin = end + 1;
+        return true;
+    }
+
+private:
+    const void* find_i(std::size_t from) const { return std::memchr(m_block.data() + from, '\n', m_end - from); }
+
+    // Moves what is left to the front and reads on behind it; a line that fills the block doubles it.
+    bool fill_i()
+    {
+        std::memmove(m_block.data(), m_block.data() + m_begin, m_end - m_begin);
+        m_end -= m_begin;
+        m_begin = 0;
+        if (m_end == m_block.size()) m_block.resize(2 * m_end);
+        const std::size_t got = std::fread(m_block.data() + m_end, 1, m_block.size() - m_end, m_stream);
+        m_end += got;
+        return got != 0;
+    }
+
+    bool last_i(std::string_view& line)
+    {
+        line = std::string_view(m_block).substr(m_begin, m_end - m_begin);
+        m_begin = m_end;
+        return !line.empty();
+    }
+
+    FILE* m_stream;
+    std::string m_block;
+    std::size_t m_begin = 0;    // of what is not handed out yet
+    std::size_t m_end = 0;
+};
+
 // Moves what stands before `separator` from `rest` to `field`; false without one.
 bool takeField(std::string_view& field, std::string_view& rest, char separator)
 {
-    const std::size_t end = rest.find(separator);
-    if (end == std::string_view::npos) return false;
-    field = rest.substr(0, end);
-    rest.remove_prefix(end + 1);
+    const auto end = std::find(rest.begin(), rest.end(), separator);    // near: a loop finds it sooner than memchr
+    if (end == rest.end()) return false;
+    const auto size = static_cast<std::size_t>(end - rest.begin());
+    field = rest.substr(0, size);
+    rest.remove_prefix(size + 1);
     return true;
 }
 
@@ -82,14 +135,14 @@ bool ConfigLanguage::isFileRead_i(const std::string& path)
         return false;
     }
     const std::unique_ptr<FILE, StreamCloser> stream(opened);
-    std::string line;
-    while (std::feof(opened) == 0) {
-        const bool isRead = LineReader::getline(opened, line, false) >= 0;
-        if (isRead && readLine_i(line)) continue;
-        complain("ERROR parsing config file ", path);
-        return false;
-    }
-    return true;
+    LineBlocks lines(opened);
+    std::string_view line;
+    bool isDone = true;
+    while (isDone && lines.next(line))
+        isDone = readLine_i(line);
+    if (isDone && std::feof(opened) != 0) return true;
+    complain("ERROR parsing config file ", path);
+    return false;
 }
 
 bool ConfigLanguage::readLine_i(std::string_view line)

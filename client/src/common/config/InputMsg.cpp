@@ -17,6 +17,8 @@ namespace pwr {
 
 namespace {
 
+constexpr std::size_t FEW_OPERATIONS = 3;    // what most messages have at most: saves growing by one
+
 // A group has one of these alone, or none of them.
 bool isExclusive(const std::string& trigger)
 {
@@ -41,6 +43,29 @@ bool splitPlatformPrefix(std::string_view text, std::string_view& platform, std:
 }
 
 }    // namespace
+
+InputMsg::LazyGroup::LazyGroup(const LazyGroup& other)
+    : m_group(other.m_group ? std::make_unique<TriggerGroup>(*other.m_group) : nullptr)
+{
+}
+
+InputMsg::LazyGroup& InputMsg::LazyGroup::operator=(const LazyGroup& other)
+{
+    m_group = std::move(LazyGroup(other).m_group);
+    return *this;
+}
+
+const InputMsg::TriggerGroup& InputMsg::LazyGroup::get() const
+{
+    static const TriggerGroup none;
+    return m_group ? *m_group : none;
+}
+
+InputMsg::TriggerGroup& InputMsg::LazyGroup::make()
+{
+    if (!m_group) m_group = std::make_unique<TriggerGroup>();
+    return *m_group;
+}
 
 InputMsg::OwnedOperations::OwnedOperations(const OwnedOperations& other) : OwnedOperations()
 {
@@ -102,7 +127,9 @@ void InputMsg::setName(const std::string& name)
 void InputMsg::setPlatformPrefix(const std::string& platformPrefix)
 {
     m_platformPrefix = platformPrefix;
-    m_fullName = m_platformPrefix + "_" + m_name;
+    m_fullName.clear();
+    m_fullName.reserve(m_platformPrefix.size() + 1 + m_name.size());
+    m_fullName.append(m_platformPrefix).append(1, '_').append(m_name);
     setPlatformName();
 }
 
@@ -152,6 +179,7 @@ int InputMsg::setEntityHandle(const EntityHandle* entity)
 void InputMsg::setCommand(QVOpCommand command)
 {
     m_command = command;
+    m_checkedOperations = 0;
 }
 
 void InputMsg::setSamplingInterval(std::uint16_t msecs)
@@ -182,7 +210,7 @@ int InputMsg::addWriteTrigger(const std::string& trigger)
 
 int InputMsg::addTrigger(QVOpCommand command, const std::string& trigger, bool maxDetail)
 {
-    if (!isCommandCompatible_i(command)) {
+    if (!isCommandStillCompatible_i(command)) {
         os::current().console->writeError("Commands are not compatible!\n");
         return -1;
     }
@@ -199,11 +227,11 @@ int InputMsg::addWriteTrigger(const std::string& trigger, bool maxDetail)
     return addTrigger(QVOpCommand::WRITE, trigger, maxDetail);
 }
 
-int InputMsg::addTriggerTo_i(TriggerGroup& group, QVOpCommand command, const std::string& trigger)
+int InputMsg::addTriggerTo_i(LazyGroup& group, QVOpCommand command, const std::string& trigger)
 {
-    if (!isTriggerCompatible_i(trigger, group.triggers)) return -1;
+    if (!isTriggerCompatible_i(trigger, group.get().triggers)) return -1;
     m_command = command;
-    group.triggers.insert(trigger);
+    group.make().triggers.insert(trigger);
     return 0;
 }
 
@@ -234,27 +262,27 @@ void InputMsg::addNotifierName(const std::string& name)
 
 const PWSet<std::string>& InputMsg::getTriggers(bool maxDetail) const
 {
-    return group_i(maxDetail).triggers;
+    return group_i(maxDetail).get().triggers;
 }
 
 const PWSet<std::string>& InputMsg::getTracepointNames(bool maxDetail) const
 {
-    return group_i(maxDetail).tracepointNames;
+    return group_i(maxDetail).get().tracepointNames;
 }
 
 const PWSet<std::string>& InputMsg::getNotifierNames(bool maxDetail) const
 {
-    return group_i(maxDetail).notifierNames;
+    return group_i(maxDetail).get().notifierNames;
 }
 
 void InputMsg::addTracepointName(const std::string& name, bool maxDetail)
 {
-    group_i(maxDetail).tracepointNames.insert(name);
+    group_i(maxDetail).make().tracepointNames.insert(name);
 }
 
 void InputMsg::addNotifierName(const std::string& name, bool maxDetail)
 {
-    group_i(maxDetail).notifierNames.insert(name);
+    group_i(maxDetail).make().notifierNames.insert(name);
 }
 
 void InputMsg::setTrigger(bool maxDetail, bool fallback)
@@ -267,6 +295,7 @@ void InputMsg::addOperation(Operation* operation)
 {
     if (operation == nullptr) return;
     std::unique_ptr<Operation> owned(operation);
+    if (m_operations.list.empty()) m_operations.list.reserve(FEW_OPERATIONS);
     m_operations.list.push_back(operation);
     owned.release();
 }
@@ -274,6 +303,7 @@ void InputMsg::addOperation(Operation* operation)
 void InputMsg::resetOperations()
 {
     m_operations.list.clear();
+    m_checkedOperations = 0;
 }
 
 MsgMetadata* InputMsg::getMetadata() const
@@ -311,10 +341,23 @@ bool InputMsg::isCommandCompatible_i(QVOpCommand command) const
     return areOperationsCompatible_i(command);
 }
 
-bool InputMsg::areOperationsCompatible_i(QVOpCommand command) const
+bool InputMsg::areOperationsCompatible_i(QVOpCommand command, std::size_t first) const
 {
-    return std::all_of(begin(), end(),
+    return std::all_of(begin() + static_cast<std::ptrdiff_t>(first), end(),
                        [command](const Operation* operation) { return operation->isValidCommand(command); });
+}
+
+bool InputMsg::isCommandStillCompatible_i(QVOpCommand command)
+{
+    if (m_command != command) return isCommandCompatible_i(command);
+    if (!areOperationsCompatible_i(command, m_checkedOperations)) return false;
+    m_checkedOperations = getOperationCount();
+    return true;
+}
+
+void InputMsg::recheck_i(const Operation& operation)
+{
+    if (m_checkedOperations != 0 && !operation.isValidCommand(m_command)) m_checkedOperations = 0;
 }
 
 bool InputMsg::isTriggerCompatible_i(const std::string& trigger, const PWSet<std::string>& triggers) const

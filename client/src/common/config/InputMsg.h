@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -102,6 +103,21 @@ private:
         PWSet<std::string> notifierNames;
     };
 
+    // A group that takes no room until something is put in; most messages have one, many none.
+    class LazyGroup {
+    public:
+        LazyGroup() = default;
+        LazyGroup(const LazyGroup& other);
+        LazyGroup& operator=(const LazyGroup& other);
+        ~LazyGroup() = default;
+
+        const TriggerGroup& get() const;
+        TriggerGroup& make();
+
+    private:
+        std::unique_ptr<TriggerGroup> m_group;
+    };
+
     // Deletes its operations from the last to the first; a copy has clones.
     struct OwnedOperations {
         OwnedOperations() = default;
@@ -116,7 +132,9 @@ private:
                 QVOpCommand command);
     void setPlatformName();
 
-    // On the group that `maxDetail` chooses; a direction that doesn't fit is told on the standard error stream.
+    // On the group that `maxDetail` chooses; a direction that doesn't fit is told on the standard error stream. While a
+    // configuration is read, an operation is asked again whether it can do the message's direction only after a setting
+    // (recheck_i): groups can be large, and every line would ask all.
     int addTrigger(QVOpCommand command, const std::string& trigger, bool maxDetail);
     int addReadTrigger(const std::string& trigger, bool maxDetail);
     int addWriteTrigger(const std::string& trigger, bool maxDetail);
@@ -129,11 +147,13 @@ private:
     // Makes a group the current one; with `fallback` the other one when the chosen has no triggers.
     void setTrigger(bool maxDetail, bool fallback);
 
-    int addTriggerTo_i(TriggerGroup& group, QVOpCommand command, const std::string& trigger);
-    TriggerGroup& group_i(bool maxDetail) { return maxDetail ? m_maxDetail : m_normal; }
-    const TriggerGroup& group_i(bool maxDetail) const { return maxDetail ? m_maxDetail : m_normal; }
+    int addTriggerTo_i(LazyGroup& group, QVOpCommand command, const std::string& trigger);
+    LazyGroup& group_i(bool maxDetail) { return maxDetail ? m_maxDetail : m_normal; }
+    const LazyGroup& group_i(bool maxDetail) const { return maxDetail ? m_maxDetail : m_normal; }
     bool isCommandCompatible_i(QVOpCommand command) const;
-    bool areOperationsCompatible_i(QVOpCommand command) const;
+    bool areOperationsCompatible_i(QVOpCommand command, std::size_t first = 0) const;
+    bool isCommandStillCompatible_i(QVOpCommand command);
+    void recheck_i(const Operation& operation);
     bool isTriggerCompatible_i(const std::string& trigger, const PWSet<std::string>& triggers) const;
 
     std::string m_name;
@@ -145,10 +165,11 @@ private:
     int m_msgId = 0;
     std::string m_cpu = "ANY";
     const EntityHandle* m_entity = nullptr;
-    TriggerGroup m_normal;
-    TriggerGroup m_maxDetail;
+    LazyGroup m_normal;
+    LazyGroup m_maxDetail;
     bool m_isMaxDetailCurrent = false;
     OwnedOperations m_operations;
+    std::size_t m_checkedOperations = 0;    // so many, from the first on, are known to do m_command
     QVOpCommand m_command = QVOpCommand::UNDECIDED;
     std::uint16_t m_samplingIntervalMsecs = 0;
     std::string m_featureName;

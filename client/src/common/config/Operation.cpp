@@ -20,7 +20,11 @@ void warnOfTodo(const char* function)
 
 Operation::Operation(const std::string& operation) : Operation(operation, operation) {}
 
-Operation::Operation(const std::string& operation, const std::string& name) : m_operation(operation), m_name(name) {}
+Operation::Operation(const std::string& operation, const std::string& name)
+    : m_name(name), m_kind(std::make_shared<Kind>())
+{
+    m_kind->operation = operation;
+}
 
 Operation::Operation(const Operation& other) = default;
 
@@ -35,7 +39,7 @@ void Operation::setName(const std::string& name)
 
 bool Operation::isValidCategory(const std::string& category) const
 {
-    return m_kind && m_kind->categories.count(category) != 0 && canSetCategory(category);
+    return m_kind->categories.count(category) != 0 && canSetCategory(category);
 }
 
 bool Operation::isValidCommand(QVOpCommand command) const
@@ -50,7 +54,7 @@ void Operation::addRequirement(PluginRequirement* requirement)
 
 PluginRequirementResult Operation::isOperationSuitableFor(const SystemMetadata& system) const
 {
-    if (!m_kind || m_kind->requirements.empty()) return PluginRequirementResult::SUITABLE_UNTESTED;
+    if (m_kind->requirements.empty()) return PluginRequirementResult::SUITABLE_UNTESTED;
     const bool isSuitable = std::all_of(m_kind->requirements.begin(), m_kind->requirements.end(),
                                         [&system](const PluginRequirement* requirement) {
                                             return requirement->isPluginRequirementSatisfied(system, {});
@@ -99,7 +103,6 @@ bool Operation::isValidCommand_i(QVOpCommand command) const
 
 Operation::Kind& Operation::ownKind_i()
 {
-    if (!m_kind) m_kind = std::make_shared<Kind>();
     if (m_kind.use_count() > 1) m_kind = std::make_shared<Kind>(*m_kind);
     return *m_kind;
 }

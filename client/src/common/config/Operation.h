@@ -32,7 +32,7 @@ public:
     virtual OperationMetadata* getOperationMetadata() const = 0;    // new, the caller's
     virtual Operation* clone() const = 0;                           // new, the caller's
 
-    const std::string& getOperation() const { return m_operation; }    // the kind
+    const std::string& getOperation() const { return m_kind->operation; }    // the kind
     const std::string& getName() const { return m_name; }
     void setName(const std::string& name);
 
@@ -63,14 +63,14 @@ protected:
 private:
     // What a prototype says of its kind. A configuration holds many clones: they share it until one adds to its own.
     struct Kind {
+        std::string operation;
         PWSet<std::string> categories;
         std::vector<PluginRequirement*> requirements;    // not owned
     };
     Kind& ownKind_i();
 
-    std::string m_operation;
     std::string m_name;
-    std::shared_ptr<Kind> m_kind;    // null: nothing said
+    std::shared_ptr<Kind> m_kind;    // never null
 };
 
 // Constant values, in the order of their lines; keys are unique.

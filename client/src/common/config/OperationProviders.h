@@ -1,8 +1,7 @@
 #pragma once
 
-#include <functional>
-#include <map>
-#include <string>
+#include "config/TextMap.h"
+
 #include <string_view>
 
 class CollectorPlugin;
@@ -29,7 +28,7 @@ public:
 private:
     void add_i(const Provider& provider);
 
-    std::map<std::string, Provider, std::less<>> m_providers;    // by kind
+    TextMap<Provider> m_providers;    // by kind
 };
 
 }    // namespace pwr

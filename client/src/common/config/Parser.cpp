@@ -265,25 +265,41 @@ const Operation* Parser::getOperationFor(std::string_view operation, bool& avail
 Operation* Parser::addOperationToMessage(InputMsg* message, std::string_view name, std::string_view operation,
                                          bool& available)
 {
-    const Operation* prototype = getOperationFor(operation, available);
-    if (prototype == nullptr || message == nullptr) return nullptr;
-    if (isOfOtherCollector_i(*message, operation)) {
-        QV_STREAM_ERROR << "Cannot add operation " << operation << " to message " << message->getFullName()
+    const OperationProviders::Provider* provider = m_providers.find(operation);
+    if (provider == nullptr) return nullptr;
+    available = provider->isAvailable;
+    return message != nullptr ? addOperation_i(*message, name, *provider) : nullptr;
+}
+
+Operation* Parser::addOperation_i(InputMsg& message, std::string_view name,
+                                  const OperationProviders::Provider& provider)
+{
+    const std::string& kind = provider.prototype->getOperation();
+    if (isOfOtherCollector_i(message, provider)) {
+        QV_STREAM_ERROR << "Cannot add operation " << kind << " to message " << message.getFullName()
                         << " because the collectors are different!";
         return nullptr;
     }
-    if (Operation* known = findOperation_i(*message, name)) return known;
-    if (!available) {
+    if (Operation* known = findOperation_i(message, name)) return known;
+    if (!provider.isAvailable) {
         QV_LOG_INFO("INFO: Didn't add operation %s to msg %s because op is not available on current platform!\n",
-                    std::string(name).c_str(), message->getName().c_str());
+                    std::string(name).c_str(), message.getName().c_str());
         return nullptr;
     }
-    std::unique_ptr<Operation> clone(prototype->clone());
+    std::unique_ptr<Operation> clone(provider.prototype->clone());
     if (!clone) return nullptr;
     clone->setName(m_key.assign(name));
     Operation* added = clone.get();
-    message->addOperation(clone.release());
+    message.addOperation(clone.release());
     return added;
+}
+
+bool Parser::isOfOtherCollector_i(const InputMsg& message, const OperationProviders::Provider& provider) const
+{
+    if (message.getOperationCount() == 0) return false;
+    if (message.getOperations().front()->getOperation() == provider.prototype->getOperation()) return false;
+    const CollectorPlugin* current = collectorOf_i(message);
+    return current != nullptr && current != provider.collector;
 }
 
 // Null for a message without operations.
@@ -291,13 +307,6 @@ CollectorPlugin* Parser::collectorOf_i(const InputMsg& message) const
 {
     return message.getOperationCount() != 0 ? getCollectorFor(message.getOperations().front()->getOperation())
                                             : nullptr;
-}
-
-bool Parser::isOfOtherCollector_i(const InputMsg& message, std::string_view operation) const
-{
-    if (message.getOperationCount() == 0 || message.getOperations().front()->getOperation() == operation) return false;
-    const CollectorPlugin* current = collectorOf_i(message);
-    return current != nullptr && current != getCollectorFor(operation);
 }
 
 Operation* Parser::findOperation_i(const InputMsg& message, std::string_view name)

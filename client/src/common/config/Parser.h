@@ -104,8 +104,12 @@ private:
     Platform* findPlatform_i(std::string_view name) const;
     bool collectLevels_i(std::vector<InputMsg*>& out, const Platform* platform, const std::string& prefix) const;
     CollectorPlugin* collectorOf_i(const InputMsg& message) const;
-    bool isOfOtherCollector_i(const InputMsg& message, std::string_view operation) const;
+    bool isOfOtherCollector_i(const InputMsg& message, const OperationProviders::Provider& provider) const;
+    Operation* addOperation_i(InputMsg& message, std::string_view name, const OperationProviders::Provider& provider);
     Operation* findOperation_i(const InputMsg& message, std::string_view name);
+
+    // Most rules succeed: then nothing is called.
+    bool rule_i(bool isDone, const char* name) const { return isDone || ConfigLanguage::rule_i(false, name); }
 
     // The rules, named as in the log; each gives false when the line fails.
     bool statementRule_i(const ConfigStatement& statement) override;
@@ -165,6 +169,7 @@ private:
     bool sourceFrom_i(const InputMsg& source, const ConfigStatement& statement);
 
     bool operation_i(const ConfigStatement& statement);
+    bool set_i(const std::string& key);
     bool constantSub_i(const ConfigStatement& statement);
     bool constantAny_i(const ConfigStatement& statement);
     bool constantAnyValue_i(const ConfigStatement& statement);

@@ -39,7 +39,7 @@ bool Parser::tagSub_i(const ConfigStatement& statement)
 {
     extendPath_i(statement.tag);
     m_platform->addMessageKey(prefixKey_i(), m_path);
-    m_message = m_platform->getOrCreateMessage(statement.tag, prefixKey_i());
+    m_message = m_platform->getOrCreateMessage(statement.tag, prefixKey_i(), m_path);
     if (statement.keyword == "MSG") return rule_i(msgSub_i(statement), "msgSub");
     if (statement.keyword == "CONSTANT") return rule_i(constantSub_i(statement), "constantSub");
     return rule_i(hwMechRule_i(statement), "hwMechRule") && rule_i(hwCatRule_i(statement), "hwCatRule") &&
@@ -229,16 +229,24 @@ bool Parser::sourceFrom_i(const InputMsg& source, const ConfigStatement& stateme
 bool Parser::operation_i(const ConfigStatement& statement)
 {
     extendPath_i(statement.keyword);
-    bool isAvailable = false;
-    if (getOperationFor(statement.keyword, isAvailable) == nullptr) {
+    const OperationProviders::Provider* provider = m_providers.find(statement.keyword);
+    if (provider == nullptr) {
         QV_STREAM_ERROR << "ERROR: unknown collector type " << statement.keyword;
         return false;
     }
     const std::string_view name = std::string_view(m_path).substr(m_platform->getName().size() + 1);
-    m_operation = addOperationToMessage(m_message, name, statement.keyword, isAvailable);
-    if (m_operation != nullptr || !isAvailable) return true;
+    m_operation = addOperation_i(*m_message, name, *provider);
+    if (m_operation != nullptr || !provider->isAvailable) return true;
     QV_STREAM_ERROR << "ERROR creating packet with key = " << m_path;
     return false;
+}
+
+// Sets m_value.
+bool Parser::set_i(const std::string& key)
+{
+    const bool isDone = m_operation->set(key, m_value) == 0;
+    m_message->recheck_i(*m_operation);
+    return isDone;
 }
 
 bool Parser::constantSub_i(const ConfigStatement& statement)
@@ -255,7 +263,7 @@ bool Parser::constantAnyValue_i(const ConfigStatement& statement)
 {
     if (m_operation == nullptr) return true;
     m_value = trim_i(statement.value);
-    if (m_operation->set(join(m_key, statement, statement.key), m_value) == 0) return true;
+    if (set_i(join(m_key, statement, statement.key))) return true;
     const std::string complaint = "Couldn't add key " + m_key + ", value " + m_value + "\n";
     os::current().console->writeError(complaint.c_str());
     return false;
@@ -283,7 +291,7 @@ bool Parser::directValue_i(const ConfigStatement& statement)
     if (m_operation == nullptr) return true;
     m_key = statement.key;
     m_value = trim_i(statement.value);
-    if (m_operation->set(m_key, m_value) == 0) return true;
+    if (set_i(m_key)) return true;
     QV_LOG_WARNING("WARNING: Couldn't add key %s, value %s to operation %s\n", m_key.c_str(), m_value.c_str(),
                    m_operation->getName().c_str());
     return false;

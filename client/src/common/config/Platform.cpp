@@ -39,7 +39,9 @@ void Platform::addSpecifier(Specifier* specifier)
 
 ConfigCap* Platform::getOrCreateCap(std::string_view prefix, std::string_view path)
 {
-    std::unique_ptr<ConfigCap>& cap = m_capabilities[join(m_key, path, prefix)];
+    join(m_key, path, prefix);
+    if (m_lastCap == nullptr || m_lastCap->first != m_key) m_lastCap = &*m_capabilities.try_emplace(m_key).first;
+    std::unique_ptr<ConfigCap>& cap = m_lastCap->second;
     if (!cap) {
         cap = std::make_unique<ConfigCap>();
         cap->setConfigfilePrefix(std::string(prefix));
@@ -50,19 +52,24 @@ ConfigCap* Platform::getOrCreateCap(std::string_view prefix, std::string_view pa
 
 InputMsg* Platform::getOrCreateMessage(std::string_view tag, std::string_view prefixKey)
 {
-    InputMsg*& message = messageEntry_i(join(m_key, prefixKey, tag)).second.message;
+    return getOrCreateMessage(tag, prefixKey, join(m_key, prefixKey, tag));
+}
+
+InputMsg* Platform::getOrCreateMessage(std::string_view tag, std::string_view prefixKey, std::string_view messageKey)
+{
+    InputMsg*& message = messageEntry_i(messageKey).second.message;
     if (message != nullptr) return message;
-    m_ownedMessages.push_back(std::make_unique<InputMsg>(std::string(tag), std::string(prefixKey)));
+    m_key = prefixKey;
+    m_ownedMessages.push_back(std::make_unique<InputMsg>(std::string(tag), m_key));
     message = m_ownedMessages.back().get();
-    message->setMsgID(++entryOf(m_prefixes, prefixKey).second.created);
+    message->setMsgID(++prefixEntry_i(withoutName_i(prefixKey)).created);
     return message;
 }
 
 InputMsg* Platform::findMessage(std::string_view key) const
 {
-    std::string messageKey;
     for (const Platform* platform = this; platform != nullptr; platform = platform->m_parent) {
-        const auto found = platform->m_messages.find(join(messageKey, platform->m_name, key));
+        const auto found = platform->m_messages.find(key);
         if (found != platform->m_messages.end() && found->second.message != nullptr) return found->second.message;
     }
     return nullptr;
@@ -72,25 +79,38 @@ void Platform::addMessageKey(std::string_view prefixKey, std::string_view messag
 {
     Messages::value_type& entry = messageEntry_i(messageKey);
     if (entry.second.isListed) return;
-    entryOf(m_prefixes, prefixKey).second.listed.push_back(&entry);
+    prefixEntry_i(withoutName_i(prefixKey)).listed.push_back(&entry);
     entry.second.isListed = true;
 }
 
 Platform::Messages::value_type& Platform::messageEntry_i(std::string_view key)
 {
-    if (m_lastEntry == nullptr || m_lastEntry->first != key) m_lastEntry = &entryOf(m_messages, key);
-    return *m_lastEntry;
+    const std::string_view ownKey = withoutName_i(key);
+    if (m_lastMessage == nullptr || m_lastMessage->first != ownKey) m_lastMessage = &entryOf(m_messages, ownKey);
+    return *m_lastMessage;
+}
+
+Platform::PrefixEntry& Platform::prefixEntry_i(std::string_view prefix)
+{
+    if (m_lastPrefix == nullptr || m_lastPrefix->first != prefix) m_lastPrefix = &entryOf(m_prefixes, prefix);
+    return m_lastPrefix->second;
+}
+
+std::string_view Platform::withoutName_i(std::string_view key) const
+{
+    const std::size_t size = m_name.size();
+    return key.size() > size && key[size] == '_' && key.starts_with(m_name) ? key.substr(size + 1) : key;
 }
 
 void Platform::setInheritMode(std::string_view prefix, int mode)
 {
-    entryOf(m_inheritModes, prefix).second = mode;
+    prefixEntry_i(prefix).inheritMode = mode;
 }
 
 bool Platform::doesExtend(std::string_view prefix) const
 {
-    const auto found = m_inheritModes.find(prefix);
-    return found != m_inheritModes.end() && found->second == EXTEND;
+    const auto found = m_prefixes.find(prefix);
+    return found != m_prefixes.end() && found->second.inheritMode == EXTEND;
 }
 
 int Platform::appendMessage(InputMsg* target, CollectorPlugin* targetCollector, InputMsg* source,
@@ -129,8 +149,7 @@ int Platform::getMessagesFor(std::vector<InputMsg*>& out, std::string_view prefi
     out.clear();
     QV_STREAM_DEBUG << "pwr::Platform::getMessagesFor"
                     << " called for prefix " << prefix << " on platform " << m_name;
-    std::string prefixKey;
-    const auto found = m_prefixes.find(join(prefixKey, m_name, prefix));
+    const auto found = m_prefixes.find(prefix);
     if (found == m_prefixes.end() || found->second.listed.empty()) {
         QV_STREAM_DEBUG << "combination of name " << m_name << " prefix " << prefix
                         << " was NOT specified in config file!";
@@ -141,7 +160,8 @@ int Platform::getMessagesFor(std::vector<InputMsg*>& out, std::string_view prefi
         InputMsg* message = entry->second.message;
         if (message == nullptr || known.count(message) != 0) continue;
         if (message->getOperationCount() == 0) {
-            QV_LOG_INFO("INFO: not adding message %s because it doesn't have any operations!\n", entry->first.c_str());
+            QV_LOG_INFO("INFO: not adding message %s because it doesn't have any operations!\n",
+                        (m_name + "_" + entry->first).c_str());
             continue;
         }
         known.insert(message);

@@ -44,6 +44,7 @@ public:
 
     // Under `prefixKey`_`tag`; message ids count from 1 within a prefix.
     InputMsg* getOrCreateMessage(std::string_view tag, std::string_view prefixKey);
+    InputMsg* getOrCreateMessage(std::string_view tag, std::string_view prefixKey, std::string_view messageKey);
 
     // The message of <prefix>_<tag> here or on the nearest ancestor that has it; null: nowhere.
     InputMsg* findMessage(std::string_view key) const;
@@ -70,25 +71,34 @@ private:
     };
     using Messages = TextMap<MessageEntry>;
 
-    struct PrefixMessages {
+    struct PrefixEntry {
         int created = 0;
+        int inheritMode = OVERRIDE;
         std::vector<const Messages::value_type*> listed;    // the order of queries
     };
+    using Prefixes = TextMap<PrefixEntry>;
 
     Messages::value_type& messageEntry_i(std::string_view key);
+    PrefixEntry& prefixEntry_i(std::string_view prefix);
+
+    // What stands behind this platform's name: all keys begin with it, so that the tables leave it out.
+    std::string_view withoutName_i(std::string_view key) const;
     bool mergeTriggers_i(InputMsg& target, const InputMsg& source, bool maxDetail) const;
 
     std::string m_name;
     Messages m_messages;
-    Messages::value_type* m_lastEntry = nullptr;    // lines of a message mostly stand together
-    std::string m_key;                              // of the moment
-    Capabilities m_capabilities;                    // key order is the order of listings
-    TextMap<PrefixMessages> m_prefixes;
+    std::string m_key;              // of the moment
+    Capabilities m_capabilities;    // key order is the order of listings
+    Prefixes m_prefixes;
     std::vector<std::unique_ptr<InputMsg>> m_ownedMessages;
     Platform* m_parent;                   // not owned; null: the root, or an orphan
     std::vector<Platform*> m_children;    // not owned
     std::vector<std::unique_ptr<Specifier>> m_specifiers;
-    TextMap<int> m_inheritModes;    // by prefix
+
+    // The lines of a message, a prefix, a capability mostly stand together: what the last one was about.
+    Messages::value_type* m_lastMessage = nullptr;
+    Prefixes::value_type* m_lastPrefix = nullptr;
+    Capabilities::value_type* m_lastCap = nullptr;
 };
 
 }    // namespace pwr
