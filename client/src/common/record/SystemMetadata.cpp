@@ -1,17 +1,10 @@
 #include "record/SystemMetadata.h"
 
+#include "record/VersionWord.h"
+
 namespace pwr {
 
 namespace {
-
-struct Version {
-    std::uint32_t word;
-};
-
-std::ostream& operator<<(std::ostream& out, const Version& version)
-{
-    return out << (version.word >> 16) << "." << (version.word >> 8 & 0xFF) << "." << (version.word & 0xFF);
-}
 
 template <typename T>
 void printItem(std::ostream& out, const char* title, const T& value)
@@ -22,9 +15,9 @@ void printItem(std::ostream& out, const char* title, const T& value)
 void printIdentity(std::ostream& out, const SystemMetadata& system)
 {
     printItem(out, "FMS: ", system.fms);
-    printItem(out, "App version: ", Version{system.appVersion});
+    printItem(out, "App version: ", VersionWord{system.appVersion});
     printItem(out, "App build date: ", system.exeBuildDate);
-    printItem(out, "Driver version: ", Version{system.driverVersion});
+    printItem(out, "Driver version: ", VersionWord{system.driverVersion});
     printItem(out, "Driver build date: ", system.driverBuildDate);
     printItem(out, "SCU version: ", system.scuVersion);
     printItem(out, "Platform name: ", system.platformName);

@@ -7,6 +7,7 @@
 #include "runtime/Export.h"
 
 #include <cstdint>
+#include <list>
 #include <map>
 #include <ostream>
 #include <string>
@@ -84,6 +85,37 @@ public:
 
     // Wall-clock seconds from start to stop.
     double getCollectionDurationSec() const;
+
+    // The texts at the head of a result file: about the tool, with the version of the running one when the data is
+    // `postProcessed`; about the collection, without a line end behind the last line; about the hardware, beginning
+    // with a line end. Nothing in them fails: what is unknown reads "N/A", "Unknown" or "Unsupported".
+    std::string getVersionHeader(bool postProcessed) const;
+    std::string getOSVersionString(bool postProcessed) const;    // the version lines of the header
+    std::string getCollectionHeader() const;
+    std::string getSystemHWHeader() const;
+
+    // Wall-clock ns since the epoch as "2024-02-29 12:00:00 GMT"; "N/A" for 0.
+    std::string formatTimevalAsString(unsigned long long nanoseconds) const;
+    std::string getCollectionStartTime() const;
+    std::string getProgramStartTime() const;
+
+    // The name of the processor that `fms` tells, "Unknown" for most; the three letters of a core's native model id,
+    // "N/A" without a name.
+    std::string getFormattedCPUCodeName() const;
+    std::string getCPUNativeModelName(unsigned int id) const;
+
+    // The devices that a platform name ("PCH=token,PCI=token,PMT=token") tells, by the names of Device. Only tokens of
+    // exactly two parts count. The chipset is the first PCH token's; where that has no name, its text goes on with the
+    // ids of `platformSpecifiers`: "Unsupported (0xff)". The others append a name for each token.
+    std::string getFormattedPCHDeviceName(const std::string& platform) const;
+    void getFormattedPCIDeviceNames(const std::string& platform, std::list<std::string>& names) const;
+    void getFormattedPMTDeviceNames(const std::string& platform, std::list<std::string>& names) const;
+
+    // Platforms that share a processor model and differ in stepping, platform id or graphics.
+    bool isPlatformNRV() const;
+    bool isPlatformTMR() const;
+    bool isPlatformOSK() const;
+    bool isPlatformLYD() const;
 };
 
 // For diagnostics, one item a line.
