@@ -10,7 +10,10 @@ namespace test {
 class RecordingConsole : public pwr::os::Console {
 public:
     void writeError(const char* written) override { text += written; }
+    unsigned int width() override { return columns; }
+
     std::string text;
+    unsigned int columns = 0;
 };
 
 }    // namespace test

@@ -1,5 +1,8 @@
 #include "runtime/os/Console.h"
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 namespace pwr::os {
 
 namespace {
@@ -10,6 +13,12 @@ public:
     {
         std::fputs(text, stderr);
         std::fflush(stderr);
+    }
+
+    unsigned int width() override
+    {
+        winsize size{};
+        return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
     }
 };
 

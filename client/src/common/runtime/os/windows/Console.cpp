@@ -1,5 +1,7 @@
 #include "runtime/os/Console.h"
 
+#include <windows.h>
+
 namespace pwr::os {
 
 namespace {
@@ -10,6 +12,13 @@ public:
     {
         std::fputs(text, stderr);
         std::fflush(stderr);
+    }
+
+    unsigned int width() override
+    {
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) == 0) return 0;
+        return static_cast<unsigned int>(info.srWindow.Right - info.srWindow.Left + 1);
     }
 };
 
