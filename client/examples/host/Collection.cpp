@@ -106,11 +106,11 @@ std::vector<const FeaturePlugin*> Collection::end()
     m_collector.getCollectionResults(m_buffer);
     deliver_i();
     std::vector<const FeaturePlugin*> failed;
-    m_record.samplesProduced = getSamples();
     for (FeaturePlugin* plugin : m_plugins) {
         const bool isSent = plugin->finalizeCollection(plugin->getName(), m_params, m_record) == 0;
         if (plugin->finalize(m_record) != 0 || !isSent) failed.push_back(plugin);
     }
+    m_record.samplesProduced = getSamples();
     return failed;
 }
 
@@ -126,8 +126,8 @@ std::uint64_t Collection::getDroppedPoints(const PointCounter& counter) const
 {
     std::uint64_t dropped = 0;
     for (const FeaturePlugin* plugin : m_plugins) {
-        const std::uint64_t arrived = counter.getPoints(plugin->getMetricId());
-        dropped += plugin->getRounds() - std::min(plugin->getRounds(), arrived);
+        const std::uint64_t arrived = counter.getPoints(plugin->getSwitchTag());
+        dropped += plugin->getPoints() - std::min(plugin->getPoints(), arrived);
     }
     return dropped;
 }

@@ -46,7 +46,7 @@ public:
     std::uint64_t getSamples() const;
     // Records that found no plugin, or one that could not read them.
     std::uint64_t getFailedRecords() const { return m_failedRecords; }
-    // The rounds handed in to the metrics less the data points that reached the writers; after end().
+    // The data points handed in to the metrics less those that reached the writers; after end().
     std::uint64_t getDroppedPoints(const PointCounter& counter) const;
 
 private:

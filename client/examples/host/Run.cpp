@@ -15,6 +15,7 @@
 #include "record/Clocks.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <deque>
 #include <filesystem>
 #include <initializer_list>
@@ -100,12 +101,15 @@ void Run::openFeatures_i()
 
 int Run::list_i()
 {
-    const std::string indent(14, ' ');
     takeRemarks_i();
+    std::size_t width = 0;
+    for (const Feature& feature : m_features)
+        width = std::max(width, feature.isHidden() ? 0 : feature.getName().size() + 2);
+    const std::string indent(width, ' ');
     for (const Feature& feature : m_features) {
         if (feature.isHidden()) continue;
         std::string name = feature.getName();
-        name.resize(std::max(name.size() + 1, indent.size()), ' ');
+        name.resize(width, ' ');
         m_console.out << name << feature.getDescription() << '\n';
         if (!feature.isAvailable(m_record, m_params))
             m_console.out << indent << "not offered here: " << feature.explain(m_record, m_params) << '\n';

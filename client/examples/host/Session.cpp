@@ -75,6 +75,7 @@ void OutputStream::tellTableClasses_i()
 
 void OutputStream::close()
 {
+    QuorvaneHost::destroyThermalSampleHandler();
     QuorvaneHost::destroyWriterStream(m_stream);
     m_stream = nullptr;
 }

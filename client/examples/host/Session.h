@@ -58,7 +58,8 @@ private:
     PluginEnvironment* m_previous;
 };
 
-// The stream over the host's writers, published in the environment. Its end closes the writers' outputs.
+// The stream over the host's writers, published in the environment. Its end closes the writers' outputs; the shared
+// temperature metric, which no plugin owns, ends with it.
 class OutputStream {
 public:
     OutputStream() = default;

@@ -161,6 +161,8 @@ TEST_F(CollectorTest, PlatformsExtendOverrideGroupAndSource)
     EXPECT_EQ((Texts{"TIMES:PROCFS", "COLUMNS:CONSTANT"}), textsOf(messages("FMS=HWMON", "CPU-LOAD")));
     EXPECT_EQ((Texts{"TOTAL:PROCFS", "SAME-COLUMNS:CONSTANT"}), textsOf(messages("CORES=MANY", "CPU-LOAD")));
     EXPECT_EQ((Texts{"COLUMNS:CONSTANT"}), textsOf(messages("OS=WINDOWS", "CPU-LOAD")));    // no such access here
+    EXPECT_EQ((Texts{"COLUMNS:CONSTANT"}), textsOf(messages("OS=WINDOWS", "NETWORK-IO")));
+    EXPECT_EQ((Texts{"UNITS:CONSTANT"}), textsOf(messages("OS=WINDOWS", "CPU-FREQUENCY")));
 }
 
 TEST_F(CollectorTest, MessagesCanBeReadAtOnce)
@@ -174,6 +176,10 @@ TEST_F(CollectorTest, MessagesCanBeReadAtOnce)
     EXPECT_EQ((Texts{"failed"}), immediate(found.at(2)));    // constants are not read
     tree.write("proc/stat", "cpu 1\ncpu3 1 2 3 4\ncpu4 1 2 3\n");
     EXPECT_EQ((Texts{"/stat cpu3=1 2 3 4"}), immediate(messages("ALL=ALL", "CPU-LOAD").at(0)));
+    EXPECT_EQ((Texts{"/cpuinfo processor 0 cpu MHz=2400000"}), immediate(messages("ALL=ALL", "CPU-FREQUENCY").at(1)));
+    tree.write("proc/net/dev", "Inter-| x\n face |bytes\n  eth0:1 2 3 4 5 6 7 8 9\nlo : 9 8 7 6 5 4 3 2 1 -1\n");
+    EXPECT_EQ((Texts{"/dev=eth0 1 2 3 4 5 6 7 8 9", "/dev=lo 9 8 7 6 5 4 3 2 1"}),
+              immediate(messages("ALL=ALL", "NETWORK-IO").at(0)));
 }
 
 TEST_F(CollectorTest, RecordsSayWhoseTheyAreAndAreShownToTheEnvironment)

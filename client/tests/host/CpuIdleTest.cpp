@@ -30,7 +30,7 @@ TEST_F(CpuIdleTest, ActiveIsWhatIdleLeavesAndEveryStateIsSentEveryRound)
     EXPECT_EQ(states("0", "0", "0", "150000000"), samples(1, "Thread_0"));
     EXPECT_EQ(8u * 4u, samples(0).size());
     EXPECT_EQ(64u, feature->getSamples());
-    EXPECT_EQ(2u, feature->getRounds());
+    EXPECT_EQ(2u, feature->getPoints());
 }
 
 TEST_F(CpuIdleTest, TimeBookedLateIsCarriedAndNoPointIsLost)
@@ -110,7 +110,7 @@ TEST_F(CpuIdleTest, TablesTellEveryAnnouncedState)
     const Texts figures{"75.00", "0.00", "0.00", "25.00"};
     for (std::size_t i = 0; i < names.size(); ++i) {
         EXPECT_EQ(names[i], rows[i + 1].cells[0]);
-        EXPECT_EQ(figures[i], rows[i + 1].cells[1]) << names[i];
+        EXPECT_EQ(figures[i], cellUnder(rows[i + 1], "Thread_0")) << names[i];
     }
 }
 
@@ -170,7 +170,7 @@ TEST_F(CpuIdleTest, ASuspendIsNobodysTimeAndTheBaselineBehindItCounts)
     EXPECT_EQ(0u, duration(1));
     EXPECT_EQ(states("0", "30000000", "0", "70000000"), samples(2, "Thread_0"));
     EXPECT_EQ(100u, duration(2));
-    EXPECT_EQ(3u, feature->getRounds());
+    EXPECT_EQ(3u, feature->getPoints());
     EXPECT_FALSE(session.log.contains("discarded"));
 }
 

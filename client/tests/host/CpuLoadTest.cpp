@@ -31,14 +31,14 @@ TEST_F(CpuLoadTest, AnUnchangedFileGivesNoSampleAndTheNextSpeaksOfTheWholeTime)
 {
     start<host::CpuLoad>();
     round(100);
-    EXPECT_EQ(0u, feature->getRounds());
+    EXPECT_EQ(0u, feature->getPoints());
     stat("cpu0 1003 0 2000 90007 1000 0 0 0 0 0\n");
     round(200);
     ASSERT_TRUE(finish());
     ASSERT_EQ(1u, session.writer.points.size());
     EXPECT_EQ((Texts{"Thread_0=30"}), samples(0));
     EXPECT_EQ(200 * test::MS, session.writer.points[0].elements[0].duration);
-    EXPECT_EQ(1u, feature->getRounds());
+    EXPECT_EQ(1u, feature->getPoints());
 }
 
 TEST_F(CpuLoadTest, TimesThatStepBackCountAsNone)

@@ -12,6 +12,7 @@
 #include "support/TestSession.h"
 
 #include "config/qv_configfile_parser.h"
+#include "plugins/QuorvaneHost.h"
 #include "record/SystemMetadata.h"
 #include "values/DataHandleProvider.h"
 
@@ -57,6 +58,7 @@ public:
 class FeatureTest : public testing::Test {
 protected:
     explicit FeatureTest(const std::string& treeName) : machine(treeName), tree(machine.tree) {}
+    ~FeatureTest() override { QuorvaneHost::destroyThermalSampleHandler(); }
 
     template <typename F>
     void start()
@@ -92,6 +94,14 @@ protected:
             texts.push_back(name + (element.descriptor.empty() ? "" : "/" + element.descriptor) + "=" + value);
         }
         return texts;
+    }
+    // The cell in the first column whose title holds the text: the columns of entities stand in no order of ours.
+    static std::string cellUnder(const RecordedTable& row, const std::string& title)
+    {
+        for (std::size_t i = 0; i < row.columns.size(); ++i) {
+            if (row.columns[i].find(title) != std::string::npos) return row.cells.at(i);
+        }
+        return "no column " + title;
     }
     // In milliseconds, of the first element.
     unsigned long long duration(std::size_t point) const

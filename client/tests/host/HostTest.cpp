@@ -66,20 +66,31 @@ TEST_F(HostTest, TheListTellsWhatIsOfferedAndWhyNot)
 {
     const test::TreeCopy tree("no-idle");
     EXPECT_EQ(0, run({"--sysroot", tree.root(), "--list"}));
-    EXPECT_EQ("cpu-idle      time of each logical processor in each idle state, and active\n"
-              "              not offered here: requires idle states: there is no " +
-                  tree.root() +
+    const std::string missing = "                  not offered here: requires ";
+    EXPECT_EQ("cpu-idle          time of each logical processor in each idle state, and active\n" + missing +
+                  "idle states: there is no " + tree.root() +
                   "/sys/devices/system/cpu/cpu*/cpuidle/state*/time\n"
-                  "cpu-load      busy percent of each logical processor\n"
-                  "temperature   degrees of each thermal zone\n"
-                  "              not offered here: requires thermal zones: there is no " +
-                  tree.root() + "/sys/class/thermal/thermal_zone*/temp\n",
+                  "cpu-load          busy percent of each logical processor\n"
+                  "cpu-frequency     time of each logical processor at each frequency\n"
+                  "context-switches  context switches of all processors\n"
+                  "interrupts        hardware and software interrupts of all processors\n"
+                  "processes         processes that start and end\n" +
+                  missing + "processes: there is no " + tree.root() +
+                  "/proc/*/stat\n"
+                  "disk-io           bytes read from and written to each disk\n" +
+                  missing + "disk counters: there is no " + tree.root() +
+                  "/proc/diskstats\n"
+                  "network-io        bytes received and sent by each network interface\n" +
+                  missing + "interface counters: there is no " + tree.root() +
+                  "/proc/net/dev\n"
+                  "temperature       degrees of each thermal zone\n" +
+                  missing + "thermal zones: there is no " + tree.root() + "/sys/class/thermal/thermal_zone*/temp\n",
               out.str());
     EXPECT_EQ("", errors.str());
 
     const test::TreeCopy partly("unreadable");
     EXPECT_EQ(0, run({"--sysroot", partly.root(), "--list"}));
-    EXPECT_NE(std::string::npos, out.str().find("              processor 1 is left out, since " + partly.root()));
+    EXPECT_NE(std::string::npos, out.str().find("                  processor 1 is left out, since " + partly.root()));
 
     tree.remove("proc");    // and with it a kind of access
     EXPECT_EQ(0, run({"--sysroot", tree.root(), "--list"}));
@@ -149,22 +160,24 @@ TEST_F(HostTest, TheConfigurationOfAFolderIsTakenInstead)
                                   "ALL_TEMPERATURE_ZONES_MSG_READ-WHEN=BEGIN,POLL\n"
                                   "ALL_CPU-LOAD_CAPABILITY_HIDDEN_VALUE=TRUE\n");
     tree.write("c/output.conf", "no collector configuration\n");
-    tree.write("c/mine.conf", "ALL_TEMPERATURE_ZONES_MIN-MAX-AVG_TITLE=Heat\n");
+    tree.write("c/mine.conf", "ALL_TEMP_ALL-THERMAL-DATA_MIN-MAX-AVG_TITLE=Heat\n");
     tree.write("c/notes.txt", "no configuration at all\n");
     const std::string folder = tree.root() + "/c";
     EXPECT_EQ(0, measure(tree, {"--config", folder, "--output-config", folder + "/mine.conf", "--feature", "heat",
                                 "--output", path("run")}))
         << errors.str();
-    EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("thermal_zone0,278.0,278.0"))
+    EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("thermal_zone0,278,278,278.00"))
         << test::contentOf(path("run_summary.csv"));
 
     EXPECT_EQ(0,
               run({"--sysroot", tree.root(), "--config", folder, "--output-config", folder + "/mine.conf", "--list"}));
-    EXPECT_EQ("cpu-idle      time of each logical processor in each idle state, and active\n"
-              "              not offered here: requires idle states: there is no access to them on this machine (no "
-              "message of CPU-IDLE for ALL=ALL)\n"
-              "temperature   what is felt\n",
-              out.str());
+    EXPECT_TRUE(out.str().starts_with(
+        "cpu-idle          time of each logical processor in each idle state, and active\n"
+        "                  not offered here: requires idle states: there is no access to them on this machine (no "
+        "message of CPU-IDLE for ALL=ALL)\n"
+        "cpu-frequency "))
+        << out.str();
+    EXPECT_TRUE(out.str().ends_with("\ntemperature       what is felt\n")) << out.str();
 }
 
 TEST_F(HostTest, ABrokenConfigurationEndsTheRunAndSaysWhere)
@@ -178,6 +191,11 @@ TEST_F(HostTest, ABrokenConfigurationEndsTheRunAndSaysWhere)
         {"ALL_CPU-LOAD_TIMES_PROCFS_PATH=/proc/../etc/passwd\n", "ERROR parsing line"},
         {"ALL_CPU-LOAD_TIMES_PROCFS_FIELD=c*u*\n", "ERROR parsing line"},
         {"ALL_CPU-LOAD_TIMES_PROCFS_LEAST=17\n", "ERROR parsing line"},
+        {"ALL_DISK-IO_SECTORS_PROCFS_NAME=0\n", "ERROR parsing line"},
+        {"ALL_DISK-IO_SECTORS_PROCFS_NAME=9\n", "ERROR parsing line"},
+        {"ALL_DISK-IO_SECTORS_PROCFS_WITHIN=/proc/block\n", "ERROR parsing line"},
+        {"ALL_DISK-IO_SECTORS_PROCFS_DECIMALS=10\n", "ERROR parsing line"},
+        {"ALL_PROCESSES_LIST_PROCESSES_FIELD=SOME\n", "ERROR parsing line"},
         {"ALL_CPU-IDLE_TIMES_SYSFS_PATH=/sys/*/*/*/*/*\n", "ERROR parsing line"},
         {"ALL_CPU-IDLE_TIMES_SYSFS_PATH=sys/a\n", "ERROR parsing line"},
         {"ALL_CPU-IDLE_TIMES_SYSFS_FIELD=PICTURE\n", "ERROR parsing line"},
@@ -203,7 +221,7 @@ TEST_F(HostTest, AGroupMeansThoseOfItsFeaturesThatAreOffered)
     EXPECT_EQ(std::string::npos, out.str().find("Temperature Summary"));
     EXPECT_EQ("quorvane_host: cpu-load: nothing changed, so there is no sample\n", errors.str());
 
-    tree.remove("sys/devices/system/cpu/cpufreq");
+    tree.remove("proc/cpuinfo");
     for (const char* cpu : {"0", "1", "2", "3", "4", "5", "6", "7"})
         tree.remove(std::string("sys/devices/system/cpu/cpu") + cpu + "/cpuidle");
     EXPECT_EQ(1, measure(tree, {"--feature", "cpu"}));    // the load that stands still
@@ -219,22 +237,23 @@ TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
     tree.write("sys/class/thermal/thermal_zone0/temp", "41500\n");
     tree.write("sys/class/thermal/thermal_zone0/type", "board\n");
     // Only what does not depend on the moments of the rounds.
-    tree.write("tables.conf", "ALL_OUTPUT-ORDER_TAG_FEATURE_ORDER=TEMPERATURE,CPU-IDLE\n"
-                              "ALL_TEMPERATURE_ZONES_MIN-MAX-AVG_TITLE=Heat, felt\n"
-                              "ALL_TEMPERATURE_ZONES_SAMPLE-COUNT_TABLE=NO\n"
-                              "ALL_TEMPERATURE_ZONES_MIN-MAX_TABLE=NO\n"
-                              "ALL_TEMPERATURE_ZONES_NUMBER-OF-OCCURENCES_TABLE=NO\n"
-                              "ALL_TEMPERATURE_ZONES_RELATIVE-FREQUENCY-PERCENTAGE_TABLE=NO\n"
-                              "ALL_TEMPERATURE_ZONES_APPROXIMATED-RESIDENCY_TABLE=NO\n"
+    tree.write("tables.conf", "ALL_OUTPUT-ORDER_TAG_FEATURE_ORDER=TEMP,CPU-IDLE\n"
+                              "ALL_TEMP_ALL-THERMAL-DATA_MIN-MAX-AVG_TITLE=Heat, felt\n"
+                              "ALL_TEMP_ALL-THERMAL-DATA_SAMPLE-COUNT_TABLE=NO\n"
+                              "ALL_TEMP_ALL-THERMAL-DATA_MIN-MAX_TABLE=NO\n"
+                              "ALL_TEMP_ALL-THERMAL-DATA_NUMBER-OF-OCCURENCES_TABLE=NO\n"
+                              "ALL_TEMP_ALL-THERMAL-DATA_RELATIVE-FREQUENCY-PERCENTAGE_TABLE=NO\n"
+                              "ALL_TEMP_ALL-THERMAL-DATA_APPROXIMATED-RESIDENCY_TABLE=NO\n"
                               "ALL_CPU-IDLE_STATES_RESIDENCY-PERCENTAGE_TRANSPOSE=YES\n"
                               "ALL_CPU-IDLE_STATES_RESIDENCY-PERCENTAGE_POST-TABLE-TEXT=Quiet.\n"
                               "ALL_CPU-IDLE_STATES_SAMPLE-COUNT_TABLE=NO\n"
                               "ALL_CPU-IDLE_STATES_RESIDENCY-MILLISECOND_TABLE=NO\n"
                               "ALL_CPU-IDLE_STATES_RESIDENCY-COMBINED_TABLE=NO\n");
-    EXPECT_EQ(0, measure(tree, {"--output-config", tree.root() + "/tables.conf", "--output", path("deep/run")}));
+    EXPECT_EQ(0, measure(tree, {"--output-config", tree.root() + "/tables.conf", "--output", path("deep/run"),
+                                "--feature", "temperature", "--feature", "cpu-idle", "--feature", "cpu-load"}));
     EXPECT_EQ("\"Heat, felt Summary - Sampled: Min/Max/Avg\"\n"
-              "Thermal zone,Min (oC),Max (oC),Avg (oC),Time-weighted Avg (oC)\n"
-              "board,41.5,41.5,41.50,41.50\n"
+              ",Min (oC),Max (oC),Avg (oC),Time-weighted Avg (oC)\n"
+              "board,42,42,42.00,42.00\n"
               "\n"
               "CPU idle states Summary: Residency (Percentage)\n"
               "Processor,Active (%),C1 (%),C1 (state1) (%)\n"
@@ -254,12 +273,55 @@ TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
     const int samples = std::stoi(last);
     EXPECT_TRUE(samples > 0 && samples <= 4 * 16 && samples % 16 == 0) << samples;
     EXPECT_EQ(std::to_string(samples) + " samples, 0 dropped points, files: " + path("deep/run_summary.csv, ") +
-                  path("deep/run_temperature.csv, ") + path("deep/run_cpu-idle-states.csv\n"),
+                  path("deep/run_temperature-metrics.csv, ") + path("deep/run_cpu-idle-states.csv\n"),
               last);
     const std::string timeline = test::contentOf(path("deep/run_cpu-idle-states.csv"));
     EXPECT_EQ(1 + samples / 16 * 15, lines(timeline));
     EXPECT_TRUE(timeline.starts_with("Time (s),Entity,Descriptor,Residency (ms),Duration (s)\n0."));
     EXPECT_EQ(nullptr, g_pluginEnvironment);
+}
+
+// The host's own output configuration; a tree stands still, so that the amounts are 0.
+TEST_F(HostTest, EachKindOfMetricHasItsTables)
+{
+    const test::TreeCopy tree("no-idle");
+    tree.write("proc/diskstats", "   8 0 sda 1 2 3 4 5 6 7 8\n");
+    tree.write("proc/net/dev", "head\n  eth0: 1 2 3 4 5 6 7 8 9\n");
+    tree.write("proc/5/stat", "5 (x) S 1 1 1 0 -1 4194304 1 2 3 4 5 6 7 8 20 0 1 0 5 9\n");
+    EXPECT_EQ(0, measure(tree, {"--output", path("run")})) << errors.str();
+    const std::string summary = test::contentOf(path("run_summary.csv"));
+    for (const char* part : {"CPU frequency Summary: Residency (Percentage)\n"
+                             "\"Looked at once in each round, in steps of 100 MHz.\"\n"
+                             "Frequency (MHz),CPU/Package_0/Core_0/Thread_0 Residency (%)\n"
+                             "1000,100.00\n\n",
+                             "CPU frequency Summary: Entry Counts\n"
+                             "Frequency (MHz),CPU/Package_0/Core_0/Thread_0 Entry Count\n"
+                             "1000,1\n"
+                             ",1\n"
+                             "The end of the collection counts as well.\n\n",
+                             "Context switches Summary: Average Rate and Total\n"
+                             "System,Average Rate (Ops/sec),Total (OpsCount)\n"
+                             "SYSTEM,0.00,0.00\n\n",
+                             "Interrupts Summary: Average Rate and Total\n"
+                             "System,Kind,Average Rate (Ops/sec),Total (OpsCount)\n"
+                             "SYSTEM,Hardware,0.00,0.00\n"
+                             "Total,,0.00,0.00\n\n",
+                             "Disk IO Summary: Average Rate and Total\n"
+                             "Disks that have been used since the system began.\n"
+                             "Disk,Direction,Average Rate (MB/s),Total (bytes)\n"
+                             "sda,Read,0.00,0.00\n"
+                             "sda,Written,0.00,0.00\n\n",
+                             "Network IO Summary: Average Rate and Total\n"
+                             "Interfaces that have been used since the system began.\n"
+                             "Interface,Direction,Average Rate (MB/s),Total (bytes)\n"
+                             "eth0,Received,0.00,0.00\n"
+                             "eth0,Sent,0.00,0.00\n\n"}) {
+        EXPECT_NE(std::string::npos, summary.find(part)) << part << " is not in\n" << summary;
+    }
+    EXPECT_EQ("quorvane_host: cpu-load: nothing changed, so there is no sample\n"
+              "quorvane_host: processes: nothing changed, so there is no sample\n",
+              errors.str());
+    EXPECT_NE(std::string::npos, out.str().find(" 0 dropped points, files: ")) << out.str();
 }
 
 TEST_F(HostTest, TheOwnOutputConfigurationIsFoundAndGood)
@@ -289,7 +351,7 @@ TEST_F(HostTest, TheOwnOutputConfigurationIsFoundAndGood)
 TEST_F(HostTest, ATreeThatStandsStillGivesNoSampleAndSaysSo)
 {
     const test::TreeCopy tree("no-idle");
-    EXPECT_EQ(1, measure(tree, {}));
+    EXPECT_EQ(1, measure(tree, {"--feature", "cpu-load"}));
     EXPECT_EQ("quorvane_host: cpu-load: nothing changed, so there is no sample\n"
               "quorvane_host: no sample was taken: collect longer with --time\n",
               errors.str());
@@ -298,9 +360,9 @@ TEST_F(HostTest, ATreeThatStandsStillGivesNoSampleAndSaysSo)
 TEST_F(HostTest, ResultsThatCanNotAllBeWrittenAreAnError)
 {
     const test::TreeCopy tree("four-cores");
-    fs::create_directories(path("run_temperature.csv"));
+    fs::create_directories(path("run_temperature-metrics.csv"));
     EXPECT_EQ(1, measure(tree, {"--output", path("run")}));
-    EXPECT_NE(std::string::npos, errors.str().find(path("run_temperature.csv") + " can't be written"));
+    EXPECT_NE(std::string::npos, errors.str().find(path("run_temperature-metrics.csv") + " can't be written"));
     EXPECT_NE("", test::contentOf(path("run_cpu-idle-states.csv")));
     EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("Temperature Summary"));
 }
@@ -341,7 +403,7 @@ TEST_F(HostTest, AnInterruptEndsTheCollectionAndAllIsWritten)
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::minutes(2));
     EXPECT_NE(std::string::npos, buffer.str().find(" of 600.0 s, 2 samples")) << buffer.str();
     EXPECT_NE(std::string::npos, out.str().find(" samples, 0 dropped points, files: "));
-    EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("board,27.8,27.8,27.80,27.80\n"));
+    EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("board,28,28,28.00,28.00\n"));
     EXPECT_EQ(SIG_DFL, std::signal(SIGINT, SIG_DFL));    // nothing of ours is left behind
 }
 

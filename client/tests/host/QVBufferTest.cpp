@@ -45,22 +45,30 @@ QVBuffer sample()
     row.numbers = {5, 6};
     row.numberCount = 2;
     buffer.addItem(row);
+    buffer.beginBlock(BlockKind::NAMED_ROWS);
+    row = itemAt({4});
+    row.text = "vda";
+    row.numbers = {7};
+    row.numberCount = 1;
+    buffer.addItem(row);
     buffer.endRecord();
     return buffer;
 }
 
 const Bytes SAMPLE = {
-    0x63, 0,    0,    0,                                                                         // length
-    0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11, 0,    0,    7,    2,    3,                   // head
-    1,    3,    0,    0,    0,                                                                   // NUMBERS
-    2,    1,    0,    0,    0,    3,    2,    0,    0,    1,    0x00, 0xFF, 0, 0, 0, 0, 0, 0,    //
-    0,    2,    0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,                                  //
-    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,                                     //
-    0,    0,    0,    0,    0,                                                                   // NOTHING
-    2,    1,    0,    0,    0,                                                                   // TEXTS
-    1,    9,    0,    0,    0,    1,    2,    0,    'C',  '1',                                   //
-    3,    1,    0,    0,    0,                                                                   // ROWS
-    0,    2,    5,    0,    0,    0,    0,    0,    0,    0,    6,    0,    0, 0, 0, 0, 0, 0,    //
+    0x7B, 0,    0,    0,                                                                            // length
+    0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11, 0,    0,    7,    2,    3,                      // head
+    1,    3,    0,    0,    0,                                                                      // NUMBERS
+    2,    1,    0,    0,    0,    3,    2,    0,    0,    1,    0x00, 0xFF, 0, 0, 0, 0, 0, 0,       //
+    0,    2,    0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,                                     //
+    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,                                        //
+    0,    0,    0,    0,    0,                                                                      // NOTHING
+    2,    1,    0,    0,    0,                                                                      // TEXTS
+    1,    9,    0,    0,    0,    1,    2,    0,    'C',  '1',                                      //
+    3,    1,    0,    0,    0,                                                                      // ROWS
+    0,    2,    5,    0,    0,    0,    0,    0,    0,    0,    6,    0,    0, 0, 0, 0, 0, 0,       //
+    4,    1,    0,    0,    0,                                                                      // NAMED_ROWS
+    1,    4,    0,    0,    0,    3,    0,    'v',  'd',  'a',  1,    7,    0, 0, 0, 0, 0, 0, 0,    //
 };
 
 // Walks through all that is there; false for damage.
@@ -99,7 +107,7 @@ TEST(QVBufferTest, TheLayoutIsStable)
     EXPECT_EQ(3, message->msg_id);
     std::string text;
     EXPECT_TRUE(readAll(message, text));
-    EXPECT_EQ("[1 1.515.65280 -2 unread][0][2 9.0C1][3 0,5,6]", text);
+    EXPECT_EQ("[1 1.515.65280 -2 unread][0][2 9.0C1][3 0,5,6][4 4.0vda,7]", text);
     EXPECT_EQ(nullptr, buffer.next(offset));
     EXPECT_TRUE(buffer.isAtEnd(offset));
 }
@@ -112,7 +120,7 @@ TEST(QVBufferTest, ItemsThatAreNotTakenArePassedOver)
     int blocks = 0;
     while (payload.nextBlock())
         ++blocks;
-    EXPECT_EQ(4, blocks);
+    EXPECT_EQ(5, blocks);
     EXPECT_FALSE(payload.isDamaged());
 }
 
@@ -126,7 +134,7 @@ TEST(QVBufferTest, ACutRecordIsNoneAndACutPayloadIsDamaged)
         EXPECT_EQ(nullptr, cut.next(offset)) << size;
         EXPECT_EQ(size == 0, cut.isAtEnd(offset)) << size;
     }
-    const std::size_t boundaries[] = {17, 60, 65, 80};    // between two blocks
+    const std::size_t boundaries[] = {17, 60, 65, 80, 103};    // between two blocks
     for (std::size_t size = 17; size < SAMPLE.size(); ++size) {
         Bytes bytes(SAMPLE.begin(), SAMPLE.begin() + static_cast<std::ptrdiff_t>(size));
         bytes[0] = static_cast<std::uint8_t>(size - 4);
@@ -149,7 +157,7 @@ TEST(QVBufferTest, LengthsCountsAndKindsOfNonsenseAreDamage)
     } cases[] = {
         {0, 12, false},      // shorter than the head
         {3, 0x80, false},    // longer than the buffer
-        {17, 4, true},       // an unknown kind
+        {17, 5, true},       // an unknown kind
         {17, 0, true},       // items of nothing
         {18, 4, true},       // one item more than there are
         {21, 0x80, true},    // far more
@@ -158,6 +166,7 @@ TEST(QVBufferTest, LengthsCountsAndKindsOfNonsenseAreDamage)
         {75, 2, true},       // and of a text
         {76, 30, true},      // a text beyond the end
         {86, 17, true},      // a row beyond the end
+        {113, 20, true},     // and a name
     };
     for (const auto& c : cases) {
         Bytes bytes = SAMPLE;

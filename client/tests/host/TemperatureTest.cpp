@@ -12,20 +12,29 @@ protected:
     TemperatureTest() : FeatureTest("four-cores") {}
 };
 
-TEST_F(TemperatureTest, ThousandthsBecomeDegreesAndAGapIsNoSample)
+TEST_F(TemperatureTest, ThousandthsBecomeWholeDegreesAndAGapIsNoSample)
 {
+    const std::string zones = "sys/class/thermal/thermal_zone";
     start<host::Temperature>();
     round(100);
-    tree.write("sys/class/thermal/thermal_zone0/temp", "-5300\n");
-    tree.makeUnreadable("sys/class/thermal/thermal_zone1/temp");
+    tree.write(zones + "0/temp", "-5300\n");    // the metric knows none below 0
     round(200);
+    tree.write(zones + "0/temp", "30499\n");
+    round(300);
+    tree.makeUnreadable(zones + "1/temp");
+    round(400);
     ASSERT_TRUE(finish());
-    ASSERT_EQ(2u, session.writer.points.size());
-    EXPECT_EQ((Texts{"board=27.8", "package=41.5"}), samples(0));
-    EXPECT_EQ((Texts{"board=-5.3"}), samples(1));
-    const auto rows = session.writer.tablesNamed("Temperature Summary - Sampled: Min/Max/Avg");
+    ASSERT_EQ(4u, session.writer.points.size());
+    EXPECT_EQ((Texts{"board=28", "package=42"}), samples(0));
+    EXPECT_EQ((Texts{"package=42"}), samples(1));
+    EXPECT_EQ((Texts{"board=30", "package=42"}), samples(2));    // each at its own time, whoever was missing before
+    EXPECT_EQ((Texts{"board=30"}), samples(3));
+    EXPECT_EQ(test::START + 300 * test::MS, session.writer.points[2].timestamp);
+    EXPECT_EQ(6u, feature->getSamples());
+    EXPECT_EQ(4u, feature->getPoints());
+    const auto rows = session.writer.tablesNamed("Temperature Metrics Summary - Sampled: Min/Max/Avg");
     ASSERT_EQ(3u, rows.size());
-    EXPECT_EQ((Texts{"board", "-5.3", "27.8", "11.25", "11.25"}), rows[1].cells);
+    EXPECT_EQ((Texts{"board", "28", "30", "29.33", "29.50"}), rows[1].cells);
 }
 
 class TemperatureOfUnreadableTest : public test::FeatureTest {
@@ -41,7 +50,7 @@ TEST_F(TemperatureOfUnreadableTest, OnlyReadableZonesAreMeasuredUnderNamesOfThei
               feature->getRemarks());
     round(100);
     ASSERT_TRUE(finish());
-    EXPECT_EQ((Texts{"board=30.0", "board (thermal_zone2)=32.0"}), samples(0));
+    EXPECT_EQ((Texts{"board=30", "board (thermal_zone2)=32"}), samples(0));
 }
 
 TEST_F(TemperatureOfUnreadableTest, TheRequirementTellsWhetherThereAreZones)
@@ -67,7 +76,7 @@ TEST_F(TemperatureTest, ASampleBehindASuspendStandsForNoTime)
     round(3'600'200);
     ASSERT_TRUE(finish());
     ASSERT_EQ(3u, session.writer.points.size());
-    EXPECT_EQ((Texts{"board=27.8", "package=41.5"}), samples(1));
+    EXPECT_EQ((Texts{"board=28", "package=42"}), samples(1));
     EXPECT_EQ(0u, duration(1));
     EXPECT_EQ(100u, duration(2));
 }
@@ -81,7 +90,7 @@ TEST_F(TemperatureTest, SensorsAreCalledAfterTheirChipAndTheirLabel)
     tree.write(hwmon + "1/temp1_label", "Core 0\n");
     tree.write(hwmon + "1/temp2_input", "51000\n");
     tree.write(hwmon + "1/temp2_label", "Core 0\n");
-    tree.write(hwmon + "10/temp3_input", "-1000\n");
+    tree.write(hwmon + "10/temp3_input", "1000\n");
     tree.write(hwmon + "10/temp3_max", "9\n");
     tree.makeUnreadable(hwmon + "1/temp4_input");
     start<host::Temperature>();
@@ -90,12 +99,11 @@ TEST_F(TemperatureTest, SensorsAreCalledAfterTheirChipAndTheirLabel)
     ASSERT_EQ(1u, session.writer.points.size());
     Texts found = samples(0);
     std::sort(found.begin(), found.end());
-    EXPECT_EQ((Texts{"board=27.8", "cores Core 0 (temp2_input)=51.0", "cores Core 0=50.0", "package=41.5",
-                     "temp3_input=-1.0"}),
+    EXPECT_EQ((Texts{"board=28", "cores Core 0 (temp2_input)=51", "cores Core 0=50", "package=42", "temp3_input=1"}),
               found);
     EXPECT_EQ((Texts{"temp4_input is left out, since " + tree.root() + "/" + hwmon + "1/temp4_input can't be read"}),
               feature->getRemarks());
-    EXPECT_EQ(1u, feature->getRounds());    // two messages, one sampling point
+    EXPECT_EQ(1u, feature->getPoints());    // two messages, one sampling point
 }
 
 }    // namespace

@@ -10,8 +10,10 @@
 #include "output/TextNotes.h"
 #include "plugins/PluginCapability.h"
 #include "record/SystemMetadata.h"
+#include "values/Description.h"
 #include "values/EntityHandle.h"
 #include "values/Formatter.h"
+#include "values/Process.h"
 #include "values/Quantity.h"
 
 #include <filesystem>
@@ -229,6 +231,27 @@ TEST_F(WritersTest, TimelinesTellEachSampleInFull)
     EXPECT_TRUE(summary.ends_with("\n\npost metric\n\n")) << summary;
     EXPECT_EQ(4u, csv.getFiles().size());
     EXPECT_EQ("", csv.getError());
+}
+
+TEST_F(WritersTest, TimelinesNameHandlesAndTellProcessesApart)
+{
+    pwr::Metric metric("Events", pwr::Metric::MetricType::TracedEvent, "M", "F", record, nullptr);
+    metric.setValueGroupInfo(pwr::FieldDescription("What", ""));
+    pwr::ProcessManager::create(pwr::ProcessDescription(77, 0, 1, "shell, old"));
+    const pwr::EntityHandle* system = pwr::EntityHandle::create("All", nullptr);
+    unsigned long long tsc = 1'000'000'001;
+    for (const pwr::DataHandle* handle :
+         {static_cast<const pwr::DataHandle*>(pwr::Process::get(77)), static_cast<const pwr::DataHandle*>(system)}) {
+        pwr::DataElement element(system, nullptr);
+        element.setValue(*handle);
+        metric.setData(tsc++, element, 0);
+    }
+    metric.finalize();
+    stream.close();
+    EXPECT_EQ("Time (s),Entity,Descriptor,What,Duration (s)\n"
+              "0.000000001,All,,\"shell, old (77)\",0.000000001\n"
+              "0.000000002,All,,All,0.000000001\n",
+              test::contentOf(prefix + "_events.csv"));
 }
 
 TEST_F(WritersTest, ATimelineThatCanNotBeOpenedIsAnError)

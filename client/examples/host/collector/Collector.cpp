@@ -28,7 +28,7 @@ constexpr unsigned int SUSPENDED = 4;
 constexpr long long SHORTEST_SUSPEND_NS = 100'000'000;
 
 // Every kind of access that configuration files may name; "CONSTANT" is offered on each machine.
-const char* const KINDS[] = {"SYSFS", "PROCFS", "SYSTEM-TIMES"};
+const char* const KINDS[] = {"SYSFS", "PROCFS", "PROCESSES", "SYSTEM-TIMES", "INTERFACES", "PROCESSORS"};
 
 // A kind that other machines have.
 class UnavailableOperation : public pwr::Operation {
@@ -64,9 +64,9 @@ std::string textOf(BlockKind kind, const RecordItem& item)
     if (kind == BlockKind::NUMBERS) {
         return item.isSigned ? std::to_string(static_cast<std::int64_t>(item.number)) : std::to_string(item.number);
     }
-    std::string text;
+    std::string text(item.text);    // the name of a row that has one
     for (std::size_t i = 0; i < item.numberCount; ++i)
-        text += (i > 0 ? " " : "") + std::to_string(item.numbers.at(i));
+        text += (text.empty() ? "" : " ") + std::to_string(item.numbers.at(i));
     return text;
 }
 

@@ -9,22 +9,6 @@
 
 namespace host {
 
-namespace {
-
-std::string faultOf(const pwr::InputMsg& message)
-{
-    std::string fault;
-    for (const pwr::Operation* operation : message.getOperations()) {
-        const auto* source = dynamic_cast<const SourceOperation*>(operation);
-        if (source == nullptr) continue;    // constants can't be missing
-        fault = source->findFault();
-        if (fault.empty()) return {};
-    }
-    return fault.empty() ? "nothing is read by the message " + message.getFullName() : fault;
-}
-
-}    // namespace
-
 const char* const SourceRequirement::PLATFORMS = "platforms";
 
 PathRequirement::PathRequirement(const SystemTree& tree, const std::string& path)
@@ -76,10 +60,22 @@ std::string SourceRequirement::findFault_i(const Params& params) const
     std::string fault =
         "there is no access to them on this machine (no message of " + m_prefix + " for " + platforms + ")";
     for (const pwr::InputMsg* message : messages) {
-        fault = faultOf(*message);
+        fault = findFault(*message);
         if (fault.empty()) break;
     }
     return fault;
+}
+
+std::string findFault(const pwr::InputMsg& message)
+{
+    std::string fault;
+    for (const pwr::Operation* operation : message.getOperations()) {
+        const auto* source = dynamic_cast<const SourceOperation*>(operation);
+        if (source == nullptr) continue;    // constants can't be missing
+        fault = source->findFault();
+        if (fault.empty()) return {};
+    }
+    return fault.empty() ? "nothing is read by the message " + message.getFullName() : fault;
 }
 
 std::string parameter(const pwr::PluginRequirement::Params& params, const std::string& name)

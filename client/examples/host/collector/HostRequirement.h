@@ -6,6 +6,10 @@
 
 #include <string>
 
+namespace pwr {
+class InputMsg;
+}
+
 namespace host {
 
 // A requirement that can say why it isn't met.
@@ -62,6 +66,9 @@ private:
     std::string m_prefix;
     std::string m_sources;
 };
+
+// Why nothing of what the message reads can be read now; empty when something can.
+std::string findFault(const pwr::InputMsg& message);
 
 // The value of a parameter; empty without it.
 std::string parameter(const pwr::PluginRequirement::Params& params, const std::string& name);

@@ -1,7 +1,9 @@
 #include "collector/TreeCollector.h"
 
 #include "collector/HostRequirement.h"
-#include "collector/TreeOperations.h"
+#include "collector/ProcessesOperation.h"
+#include "collector/ProcfsOperation.h"
+#include "collector/SysfsOperation.h"
 
 namespace host {
 
@@ -10,6 +12,7 @@ TreeCollector::TreeCollector(const SystemTree& tree, MachineClock& clock)
 {
     offer_i(new SysfsOperation(tree), std::make_unique<PathRequirement>(tree, "/sys"));
     offer_i(new ProcfsOperation(tree), std::make_unique<PathRequirement>(tree, "/proc"));
+    offer_i(new ProcessesOperation(tree), std::make_unique<PathRequirement>(tree, "/proc"));
     addUnavailableKinds_i();
 }
 

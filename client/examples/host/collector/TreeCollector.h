@@ -5,7 +5,8 @@
 
 namespace host {
 
-// Collects from a machine that tells about itself by files: "SYSFS" and "PROCFS", see TreeOperations.h.
+// Collects from a machine that tells about itself by files: "SYSFS", "PROCFS" and "PROCESSES", see the
+// operations beside this.
 class TreeCollector : public Collector {
 public:
     TreeCollector(const SystemTree& tree, MachineClock& clock);

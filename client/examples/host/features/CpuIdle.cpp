@@ -1,5 +1,6 @@
 #include "features/CpuIdle.h"
 
+#include "features/SaturatingMath.h"
 #include "machine/SystemTree.h"
 
 #include "record/SystemMetadata.h"
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 
 namespace host {
 
@@ -20,19 +20,6 @@ namespace {
 const pwr::DataDescriptor* describe(const std::string& name)
 {
     return pwr::DataDescriptor::create(pwr::DataDescriptorBuilder(name, ""));
-}
-
-// The tick counts of years fit; a file of nonsense must not wrap.
-std::uint64_t saturatingMultiply(std::uint64_t a, std::uint64_t b)
-{
-    constexpr std::uint64_t MAX = std::numeric_limits<std::uint64_t>::max();
-    return b != 0 && a > MAX / b ? MAX : a * b;
-}
-
-std::uint64_t saturatingAdd(std::uint64_t a, std::uint64_t b)
-{
-    constexpr std::uint64_t MAX = std::numeric_limits<std::uint64_t>::max();
-    return a > MAX - b ? MAX : a + b;
 }
 
 FeatureCapability* makeCapability()

@@ -6,6 +6,7 @@
 #include "config/pw_utils.h"
 #include "config/qv_configfile_parser.h"
 #include "record/Metadata.h"
+#include "record/SystemMetadata.h"
 
 #include <algorithm>
 #include <limits>
@@ -58,12 +59,23 @@ int FeaturePlugin::initializeCollection(Messages& messages, MetadataList& metada
     const std::string platforms = parameter(params, SourceRequirement::PLATFORMS);
     pwr::QVConfigFileParser::instance()->getMessagesFor(found, platforms, m_capability.getConfigFilePrefix(), TRIGGERS,
                                                         pwr::CollectionType::NORMAL);
+    leaveOutSubstitutes_i(found);
     if (found.empty() || !adoptMessages_i(found, feature)) return -1;
     for (pwr::InputMsg* message : found) {
         messages.push_back(message);
         metadata.push_back(describe_i(*message));
     }
     return 0;
+}
+
+void FeaturePlugin::leaveOutSubstitutes_i(Messages& found)
+{
+    const std::string suffix = "-ELSE";
+    std::set<std::string> wanted;
+    for (const pwr::InputMsg* message : found) {
+        if (findFault(*message).empty()) wanted.insert(message->getName() + suffix);
+    }
+    std::erase_if(found, [&wanted](const pwr::InputMsg* message) { return wanted.count(message->getName()) != 0; });
 }
 
 // Message ids count anew on each platform of the configuration: where several contribute, later ones get others.
@@ -128,15 +140,8 @@ int FeaturePlugin::processMessage_i(const pwr::SystemMetadata& system, const qv_
     if (message == nullptr) return 1;
     const auto sources = m_sources.find(message->msg_id);
     if (sources == m_sources.end() || !decode_i(message, sources->second.size())) return 1;
-    const unsigned long long tsc = message->tsc;
-    const std::uint64_t before = m_samples;
     for (std::size_t i = 0; i < sources->second.size(); ++i)
-        take_i(sources->second[i], m_blocks[i].first, m_blocks[i].second, tsc, system);
-    // Several messages of one moment are one sampling point.
-    if (m_samples > before && tsc != m_lastRound) {
-        m_lastRound = tsc;
-        ++m_rounds;
-    }
+        take_i(sources->second[i], m_blocks[i].first, m_blocks[i].second, message->tsc, system);
     return 0;
 }
 
@@ -177,10 +182,22 @@ void FeaturePlugin::take_i(Source& source, BlockKind kind, const Items& items, u
 
 void FeaturePlugin::openMetric_i(const pwr::SystemMetadata& system)
 {
-    if (m_metric) return;
+    if (m_hasRound) return;
+    m_hasRound = true;
     m_metric = makeMetric_i(system);
+    if (!m_metric) return;
     for (const std::string& remark : m_remarks)
         m_metric->setPostMetricTextInfo(remark);
+}
+
+// Each sample of a traced metric is a data point; those of a sampled one are one for each moment, whatever messages
+// they come from.
+void FeaturePlugin::countSample_i(unsigned long long tsc)
+{
+    ++m_samples;
+    const bool isTraced = m_metric && m_metric->getMetricType() >= pwr::Metric::MetricType::TracedValueTransition;
+    if (isTraced || tsc != m_lastPoint) ++m_points;
+    m_lastPoint = tsc;
 }
 
 // Several messages may follow the same reset: only the first one of a moment finds old baselines.
@@ -195,12 +212,14 @@ int FeaturePlugin::finalizeCollection(const std::string& feature, const Params& 
                                       const pwr::SystemMetadata& system)
 {
     MetricPlugin::finalizeCollection(feature, params, system);
-    return m_metric && !m_metric->isEmpty() && m_metric->finalize() == 0 ? 0 : 1;
+    if (m_hasRound) closeSamples_i(system.stopTSC);
+    const bool isSent = m_hasRound && sendTables_i();
+    return isSent && m_samples > 0 ? 0 : 1;
 }
 
-unsigned int FeaturePlugin::getMetricId() const
+bool FeaturePlugin::sendTables_i()
 {
-    return m_metric ? m_metric->getId() : 0;
+    return !m_metric->isEmpty() && m_metric->finalize() == 0;
 }
 
 std::string FeaturePlugin::constant_i(const std::string& tagAndKey, const std::string& fallback) const

@@ -27,7 +27,8 @@ namespace host {
 // first block of a source is its baseline, each later one is a round.
 //
 // What a source is for tells the tag of its message. TEXTS that are read once at the start name things: those of the
-// tags that begin with the source's own tag and "-" ("TIMES-NAME" for "TIMES").
+// tags that begin with the source's own tag and "-" ("TIMES-NAME" for "TIMES"). What stands under the tag and "-ELSE"
+// is read only where nothing under the tag can be ("SPEED-ELSE" for "SPEED").
 //
 // Behind a reset the counters of the sources speak of a time of which nobody knows what happened: the derived plugin
 // takes new baselines from the record that follows it, which is processed all the same.
@@ -37,7 +38,7 @@ public:
 
     const FeatureCapability& getCapability() const { return m_capability; }
     const std::string& getName() const { return m_capability.getName(); }
-    std::string getSwitchTag() const;    // how the output configuration calls the feature
+    virtual std::string getSwitchTag() const;    // how the output configuration and the metric call the feature
 
     int initialize(const pwr::SystemMetadata&) override { return 0; }
     int finalize(const pwr::SystemMetadata&) override { return 0; }
@@ -62,10 +63,9 @@ public:
     int finalizeCollection(const std::string& feature, const Params& params,
                            const pwr::SystemMetadata& system) override;
 
-    // The id of the metric, and what was handed in to it: samples, and sampling points with at least one.
-    unsigned int getMetricId() const;
+    // What the metric accepted: samples, and the data points that they make.
     std::uint64_t getSamples() const { return m_samples; }
-    std::uint64_t getRounds() const { return m_rounds; }
+    std::uint64_t getPoints() const { return m_points; }
 
     // What the user should know: what is left out, and why. The results carry it as a note.
     const std::vector<std::string>& getRemarks() const { return m_remarks; }
@@ -82,10 +82,15 @@ protected:
     FeaturePlugin(const std::string& uuid, FeatureCapability* capability);    // takes ownership
 
     virtual void takeBaseline_i(const Source& source, const Items& items, unsigned long long tsc) = 0;
+    // Before the first round. Null when the plugin hands in to a metric that it shares; it sends the tables itself
+    // then.
     virtual std::unique_ptr<pwr::Metric> makeMetric_i(const pwr::SystemMetadata& system) = 0;
     virtual void takeRound_i(const Source& source, const Items& items, unsigned long long tsc) = 0;
-    // The record at `tsc` follows a reset; takeRound_i() comes next.
+    // The record at `tsc` follows a reset; takeRound_i() comes next, or takeBaseline_i() when there was none yet.
     virtual void forgetBaselines_i(unsigned long long tsc) = 0;
+    // The collection stopped at `tsc`: the last chance to hand in. Not called without a round.
+    virtual void closeSamples_i(unsigned long long) {}
+    virtual bool sendTables_i();    // false when some table failed
 
     // The constant of the feature's messages under <tag>_<key>.
     std::string constant_i(const std::string& tagAndKey, const std::string& fallback) const;
@@ -104,12 +109,15 @@ protected:
     {
         pwr::DataElement element(entity, descriptor);
         element.setValue(value);
-        if (m_metric->setData(tsc, element, duration) == 0) ++m_samples;
+        if (m_metric->setData(tsc, element, duration) == 0) countSample_i(tsc);
     }
+    // The metric accepted a sample of this moment.
+    void countSample_i(unsigned long long tsc);
 
 private:
     using Tags = std::map<std::string, std::map<Indices, std::string>>;
 
+    static void leaveOutSubstitutes_i(Messages& found);
     bool adoptMessages_i(const Messages& found, const std::string& feature);
     pwr::Metadata* describe_i(const pwr::InputMsg& message) const;
     void learnMessage_i(const pwr::MsgMetadata& record);
@@ -124,10 +132,11 @@ private:
     Tags m_texts;
     std::vector<std::pair<BlockKind, Items>> m_blocks;    // of the record in progress
     unsigned long long m_lastReset = 0;
-    unsigned long long m_lastRound = 0;
+    bool m_hasRound = false;
     std::unique_ptr<pwr::Metric> m_metric;    // made for the first round
+    unsigned long long m_lastPoint = 0;
     std::uint64_t m_samples = 0;
-    std::uint64_t m_rounds = 0;
+    std::uint64_t m_points = 0;
     std::vector<std::string> m_remarks;
 };
 

@@ -1,7 +1,10 @@
 #include "features/Features.h"
 
+#include "features/Counters.h"
+#include "features/CpuFrequency.h"
 #include "features/CpuIdle.h"
 #include "features/CpuLoad.h"
+#include "features/Processes.h"
 #include "features/Temperature.h"
 
 #include "config/ConfigCap.h"
@@ -11,6 +14,18 @@
 #include <utility>
 
 namespace host {
+
+namespace {
+
+template <typename... Plugins>
+std::vector<std::unique_ptr<FeaturePlugin>> makePlugins()
+{
+    std::vector<std::unique_ptr<FeaturePlugin>> plugins;
+    (plugins.push_back(std::make_unique<Plugins>()), ...);
+    return plugins;
+}
+
+}    // namespace
 
 Feature::Feature(std::unique_ptr<FeaturePlugin> plugin, const pwr::ConfigCap* config)
     : m_plugin(std::move(plugin)), m_config(config)
@@ -48,11 +63,9 @@ std::string Feature::explain(const pwr::SystemMetadata& system, const Plugin::Pa
 
 std::vector<Feature> makeFeatures(const std::string& platforms)
 {
-    std::vector<std::unique_ptr<FeaturePlugin>> plugins;
-    plugins.push_back(std::make_unique<CpuIdle>());
-    plugins.push_back(std::make_unique<CpuLoad>());
-    plugins.push_back(std::make_unique<Temperature>());
-
+    std::vector<std::unique_ptr<FeaturePlugin>> plugins =
+        makePlugins<CpuIdle, CpuLoad, CpuFrequency, ContextSwitches, Interrupts, Processes, DiskIo, NetworkIo,
+                    Temperature>();
     std::vector<const pwr::ConfigCap*> told;
     pwr::QVConfigFileParser::instance()->getCapabilitiesFor(told, platforms);
     std::vector<Feature> features;

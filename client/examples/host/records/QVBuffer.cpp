@@ -67,23 +67,35 @@ void QVBuffer::addItem(const host::RecordItem& item)
         put_i(item.isRead && item.isSigned ? READ_SIGNED : state);
         put_i(item.isRead ? item.number : std::uint64_t{0});
         break;
-    case host::BlockKind::TEXTS: {
-        constexpr std::size_t LONGEST = std::numeric_limits<std::uint16_t>::max();
-        const std::string_view text = item.isRead ? item.text.substr(0, LONGEST) : std::string_view();
+    case host::BlockKind::TEXTS:
         put_i(state);
-        put_i(static_cast<std::uint16_t>(text.size()));
-        m_bytes.insert(m_bytes.end(), text.begin(), text.end());
+        putText_i(item.isRead ? item.text : std::string_view());
         break;
-    }
+    case host::BlockKind::NAMED_ROWS:
+        putText_i(item.text);
+        putRow_i(item);
+        break;
     case host::BlockKind::ROWS:
-        put_i(static_cast<std::uint8_t>(item.numberCount));
-        for (std::size_t i = 0; i < item.numberCount; ++i)
-            put_i(item.numbers.at(i));
+        putRow_i(item);
         break;
     case host::BlockKind::NOTHING:
         break;
     }
     replace_i(m_countAt, ++m_count);
+}
+
+void QVBuffer::putText_i(std::string_view text)
+{
+    text = text.substr(0, std::numeric_limits<std::uint16_t>::max());
+    put_i(static_cast<std::uint16_t>(text.size()));
+    m_bytes.insert(m_bytes.end(), text.begin(), text.end());
+}
+
+void QVBuffer::putRow_i(const host::RecordItem& item)
+{
+    put_i(static_cast<std::uint8_t>(item.numberCount));
+    for (std::size_t i = 0; i < item.numberCount; ++i)
+        put_i(item.numbers.at(i));
 }
 
 void QVBuffer::endRecord()
@@ -133,7 +145,7 @@ bool PayloadReader::nextBlock()
         continue;
     if (m_isDamaged || m_at == m_end) return false;
     std::uint8_t kind = 0;
-    if (!take_i(kind) || !take_i(m_left) || kind > static_cast<std::uint8_t>(BlockKind::ROWS)) return fail_i();
+    if (!take_i(kind) || !take_i(m_left) || kind > static_cast<std::uint8_t>(BlockKind::NAMED_ROWS)) return fail_i();
     m_kind = static_cast<BlockKind>(kind);
     return true;
 }
@@ -166,6 +178,8 @@ bool PayloadReader::takeItem_i(RecordItem& item)
         return takeText_i(item);
     case BlockKind::ROWS:
         return takeRow_i(item);
+    case BlockKind::NAMED_ROWS:
+        return takeBytes_i(item.text) && takeRow_i(item);
     default:
         return false;    // of nothing there are no items
     }
@@ -194,11 +208,16 @@ bool PayloadReader::takeNumber_i(RecordItem& item)
 bool PayloadReader::takeText_i(RecordItem& item)
 {
     std::uint8_t state = 0;
-    std::uint16_t length = 0;
-    if (!take_i(state) || state > READ || !take_i(length)) return false;
-    if (static_cast<std::size_t>(m_end - m_at) < length) return false;
+    if (!take_i(state) || state > READ) return false;
     item.isRead = state == READ;
-    item.text = std::string_view(reinterpret_cast<const char*>(m_at), length);
+    return takeBytes_i(item.text);
+}
+
+bool PayloadReader::takeBytes_i(std::string_view& text)
+{
+    std::uint16_t length = 0;
+    if (!take_i(length) || static_cast<std::size_t>(m_end - m_at) < length) return false;
+    text = std::string_view(reinterpret_cast<const char*>(m_at), length);
     m_at += length;
     return true;
 }

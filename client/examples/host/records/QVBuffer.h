@@ -27,26 +27,34 @@
 //     u8   n            0 to 4
 //     n *  u32 index    the numbers that stood for the "*" of the operation's pattern, from left to right
 //     then, by the kind:
-//       NUMBERS  u8 state (0 not read, 1 unsigned, 2 signed), u64 value (two's complement; 0 when not read)
-//       TEXTS    u8 state (0 not read, 1 read), u16 length, the bytes
-//       ROWS     u8 n (0 to 16), n * u64 numbers
+//       NUMBERS     u8 state (0 not read, 1 unsigned, 2 signed), u64 value (two's complement; 0 when not read)
+//       TEXTS       u8 state (0 not read, 1 read), u16 length, the bytes
+//       ROWS        u8 n (0 to 16), n * u64 numbers
+//       NAMED_ROWS  u16 length, the bytes of the name; u8 n (0 to 16), n * u64 numbers
 //
 // Which kind an operation gives:
 //
-//   SYSFS         one item for each file that the pattern PATH met at the start, in the order of its numbers, whether
-//   it
-//                 can be read now or not: NUMBERS with FIELD=NUMBER, TEXTS with FIELD=TEXT
-//   PROCFS        ROWS, an item for each line of the file that begins with the word FIELD: the numbers behind the word
-//                 (16 at most), in the order of the lines; none when the file can't be read
+//   SYSFS         an item for each file that the pattern PATH met at the start, in the order of its numbers, whether or
+//                 not it can be read now: NUMBERS with FIELD=NUMBER, TEXTS with FIELD=TEXT
+//   PROCFS        an item for each line of the file that fits, in their order; none when the file can't be read. ROWS:
+//                 the numbers behind the word FIELD. With NAME NAMED_ROWS: the name, and the numbers behind it. With
+//                 SECTION NUMBERS: the index is the section's, the value that of FIELD
+//   PROCESSES     NAMED_ROWS, an item for each process, its id as index, with three numbers: the id of its parent; its
+//                 start, in a unit of the system's own that tells processes of one id apart, 0 when unknown; 1 when it
+//                 has ended and is only still listed, else 0. No item when they can't be listed
 //   SYSTEM-TIMES  ROWS, one item without index, in 100 ns of all processors together: kernel without idle, user, idle;
 //                 no item when the system doesn't tell them
+//   INTERFACES    NAMED_ROWS, an item for each network interface: bytes received, bytes sent
+//   PROCESSORS    NUMBERS, an item for each logical processor, its number as index: its frequency in kHz
 //   CONSTANT      NOTHING: the values stand in the MsgMetadata
+//
+// Names are the system's bytes as they are, whatever their encoding.
 
 static_assert(std::endian::native == std::endian::little, "the head is read where it stands");
 
 namespace host {
 
-enum class BlockKind : std::uint8_t { NOTHING = 0, NUMBERS = 1, TEXTS = 2, ROWS = 3 };
+enum class BlockKind : std::uint8_t { NOTHING = 0, NUMBERS = 1, TEXTS = 2, ROWS = 3, NAMED_ROWS = 4 };
 
 // The numbers that tell one source of an operation from the others.
 struct Indices {
@@ -66,8 +74,8 @@ struct RecordItem {
     bool isRead = true;
     bool isSigned = false;                               // NUMBERS: `number` is an int64_t
     std::uint64_t number = 0;                            // NUMBERS
-    std::string_view text;                               // TEXTS; in a read item it stands in the record
-    std::array<std::uint64_t, MAX_NUMBERS> numbers{};    // ROWS
+    std::string_view text;                               // TEXTS, NAMED_ROWS; in a read item it stands in the record
+    std::array<std::uint64_t, MAX_NUMBERS> numbers{};    // ROWS, NAMED_ROWS
     std::size_t numberCount = 0;
 
     double toReal() const;    // `number`, whatever its sign
@@ -110,6 +118,8 @@ private:
     void put_i(T value);
     template <typename T>
     void replace_i(std::size_t at, T value);
+    void putText_i(std::string_view text);
+    void putRow_i(const host::RecordItem& item);
 
     std::vector<std::uint8_t> m_bytes;
     std::size_t m_recordStart = 0;
@@ -146,6 +156,7 @@ private:
     bool takeIndices_i(Indices& indices);
     bool takeNumber_i(RecordItem& item);
     bool takeText_i(RecordItem& item);
+    bool takeBytes_i(std::string_view& text);
     bool takeRow_i(RecordItem& item);
     bool fail_i();
 

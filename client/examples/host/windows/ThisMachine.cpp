@@ -1,4 +1,4 @@
-#include "SystemTimesCollector.h"
+#include "WindowsCollector.h"
 #include "machine/Machine.h"
 #include "machine/Topology.h"
 #include "system/System.h"
@@ -97,7 +97,7 @@ public:
 
     std::unique_ptr<Collector> makeCollector(MachineClock& clock) const override
     {
-        return std::make_unique<SystemTimesCollector>(clock);
+        return std::make_unique<WindowsCollector>(clock);
     }
 };
 

@@ -5,6 +5,7 @@
 #include "record/SystemMetadata.h"
 #include "values/EntityHandle.h"
 #include "values/Handles.h"
+#include "values/Process.h"
 #include "values/Quantity.h"
 
 #include <charconv>
@@ -54,9 +55,18 @@ bool isResidency(const pwr::Metric& metric)
 std::string valueTitle(const pwr::Metric& metric)
 {
     if (isResidency(metric)) return "Residency (ms)";
-    std::string title = "Value";
+    std::string title = metric.getValueGroupInfo() != nullptr ? metric.getValueGroupInfo()->getName() : "Value";
     if (metric.getQuantity() != nullptr) metric.getQuantity()->toTitleString(title);
     return title;
+}
+
+// A name is told as such; that of a process with the id that tells it from others of its name.
+std::string handleText(const pwr::Data& value)
+{
+    const pwr::DataHandle* handle = nullptr;
+    if (value.toHandle(handle) != 0 || handle == nullptr) return {};
+    const auto* process = dynamic_cast<const pwr::Process*>(handle);
+    return handle->getName() + (process != nullptr ? " (" + std::to_string(process->getPid()) + ")" : "");
 }
 
 double ticksPerSecond(const pwr::SystemMetadata* system)
@@ -193,6 +203,7 @@ std::string CsvWriter::valueText_i(const pwr::Metric& metric, const pwr::DataEle
     if (isResidency(metric) && value->toUInt(ticks) == 0) {
         return fixed(static_cast<double>(ticks) / (ticksPerSecond(m_system) / 1000.0), MICROSECONDS);
     }
+    if (value->getType() == pwr::DataType::HANDLE) return handleText(*value);
     double real = 0;
     if (value->getType() == pwr::DataType::REAL && value->toReal(real) == 0) return shortest(real);
     std::string text;

@@ -6,10 +6,11 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 
 namespace host {
 
-// Counts the data points of each metric that reach the writers.
+// Counts the data points of each feature that reach the writers.
 class PointCounter : public WriterPlugin {
 public:
     PointCounter() : WriterPlugin("quorvane-host-point-counter")
@@ -19,20 +20,20 @@ public:
     int openOutput() override { return 0; }
     int closeOutput() override { return 0; }
 
-    std::uint64_t getPoints(unsigned int metricId) const
+    std::uint64_t getPoints(const std::string& featureSwitchTag) const
     {
-        const auto entry = m_points.find(metricId);
+        const auto entry = m_points.find(featureSwitchTag);
         return entry != m_points.end() ? entry->second : 0;
     }
 
 private:
     int writeMessage(const pwr::Metric& metric) override
     {
-        ++m_points[metric.getId()];
+        ++m_points[metric.getFeatureSwitchTag()];
         return 0;
     }
 
-    std::map<unsigned int, std::uint64_t> m_points;
+    std::map<std::string, std::uint64_t> m_points;
 };
 
 }    // namespace host

@@ -29,28 +29,4 @@ private:
     bool m_isText = false;
 };
 
-// "PROCFS": a file below /proc that holds lines of a word and numbers behind it.
-//
-//   PATH    the file
-//   FIELD   the word at the beginning of a line, see NumberPattern
-//   LEAST   how many numbers a line must hold to be taken; default: 1
-class ProcfsOperation : public SourceOperation {
-public:
-    explicit ProcfsOperation(const SystemTree& tree);
-
-    int set(const std::string& category, const std::string& value) override;
-    pwr::Operation* clone() const override { return new ProcfsOperation(*this); }
-
-    std::string findFault() const override;
-    std::string describe() const override { return m_tree.realPath(m_path) + " " + m_word; }
-    std::unique_ptr<SourceReader> open() const override;
-
-private:
-    SystemTree m_tree;
-    std::string m_path;
-    std::string m_word;
-    NumberPattern m_field;
-    std::size_t m_least = 1;
-};
-
 }    // namespace host
