@@ -1,4 +1,5 @@
 #include "metrics/Metric.h"
+#include "output/TableMessage.h"
 #include "output/WriterPlugin.h"
 #include "output/WriterStream.h"
 #include "plugins/PluginEnvironment.h"
@@ -25,8 +26,10 @@ using namespace pwr;
 
 namespace {
 
+using Type = Metric::MetricType;
+
 constexpr std::uint64_t INTERVAL_TICKS = 100'000;
-constexpr std::size_t STATES = 4;
+constexpr std::size_t ROAD_STATES = 4;
 constexpr std::uint64_t VALUES = 16;
 
 class IdleWriter : public WriterPlugin {
@@ -39,7 +42,7 @@ public:
 
 // A host with one writer that does nothing and no output configuration, so that every summary is made.
 struct Session {
-    explicit Session(std::size_t entityCount)
+    Session(std::size_t entityCount, std::size_t stateCount)
     {
         g_pluginEnvironment = &environment;
         UniqueId::initialize();
@@ -49,7 +52,7 @@ struct Session {
         for (std::size_t i = 0; i < entityCount; ++i) {
             entities.push_back(EntityHandle::create("Core_" + std::to_string(i), nullptr));
         }
-        for (std::size_t i = 0; i < STATES; ++i) {
+        for (std::size_t i = 0; i < stateCount; ++i) {
             states.push_back(DataDescriptor::create(DataDescriptorBuilder("C" + std::to_string(i), "")));
         }
     }
@@ -81,20 +84,17 @@ std::vector<std::uint64_t> randomNumbers(std::uint64_t limit)
     return numbers;
 }
 
-// A metric plugin with one element for each pair that it samples.
+// A metric plugin with one element for each pair that it samples, and for each entity alone if there are no states.
 class Feeder {
 public:
-    Feeder(Session& session, Metric::MetricType type)
+    Feeder(Session& session, Type type, bool withStates)
         : m_metric("Bench", type, "BENCH", "FEATURE", session.system,
-                   type == Metric::MetricType::SampledResidency ? Quantity::time() : nullptr)
+                   type == Type::SampledResidency ? Quantity::time() : Quantity::data())
     {
         for (const EntityHandle* entity : session.entities) {
-            if (type == Metric::MetricType::SampledResidency) {
-                for (const DataDescriptor* state : session.states)
-                    m_elements.emplace_back(entity, state);
-            } else {
-                m_elements.emplace_back(entity, nullptr);
-            }
+            if (!withStates) m_elements.emplace_back(entity, nullptr);
+            for (std::size_t i = 0; withStates && i < session.states.size(); ++i)
+                m_elements.emplace_back(entity, session.states[i]);
         }
     }
 
@@ -109,6 +109,7 @@ public:
         }
     }
 
+    void finalize() { m_metric.finalize(); }
     std::int64_t samplesPerRound() const { return static_cast<std::int64_t>(m_elements.size()); }
 
 private:
@@ -148,11 +149,15 @@ void BM_SampleRoadFloor(benchmark::State& state)
 }
 BENCHMARK(BM_SampleRoadFloor)->ArgName("entities")->Arg(8)->Arg(64)->Arg(512);
 
-void runRoad(benchmark::State& state, Metric::MetricType type, std::uint64_t limit)
+// A sample's full road through setData() with all summaries costs at most 40 times the floor at 64 entities, at most
+// double from 8 to 512 entities, and the same whatever came before; samples/s of values of which there are 16.
+// Residencies have four states to an entity.
+void BM_SampleRoad(benchmark::State& state, Type type)
 {
-    Session session(static_cast<std::size_t>(state.range(0)));
-    Feeder feeder(session, type);
-    const std::vector<std::uint64_t> values = randomNumbers(limit);
+    const bool withStates = type == Type::SampledResidency;
+    Session session(static_cast<std::size_t>(state.range(0)), ROAD_STATES);
+    Feeder feeder(session, type, withStates);
+    const std::vector<std::uint64_t> values = randomNumbers(withStates ? INTERVAL_TICKS / ROAD_STATES : VALUES);
     std::size_t at = 0;
     const auto nextValue = [&] { return values[at++ % values.size()]; };
     for (std::int64_t fed = 0; fed < state.range(1); fed += feeder.samplesPerRound())
@@ -162,52 +167,24 @@ void runRoad(benchmark::State& state, Metric::MetricType type, std::uint64_t lim
     state.SetItemsProcessed(state.iterations() * feeder.samplesPerRound());
 }
 
-// A sample's full road through setData() with all summaries costs at most 40 times the floor at 64 entities, at most
-// double from 8 to 512 entities, and the same whatever came before; samples/s of values of which there are 16.
-void BM_SampledValueRoad(benchmark::State& state)
+void roads(benchmark::internal::Benchmark* bench)
 {
-    runRoad(state, Metric::MetricType::SampledValue, VALUES);
+    bench->ArgNames({"entities", "before"})->Args({8, 0})->Args({64, 0})->Args({512, 0})->Args({64, 1'000'000});
 }
-BENCHMARK(BM_SampledValueRoad)
-    ->ArgNames({"entities", "before"})
-    ->Args({8, 0})
-    ->Args({64, 0})
-    ->Args({512, 0})
-    ->Args({64, 1'000'000});
+BENCHMARK_CAPTURE(BM_SampleRoad, SampledDelta, Type::SampledDelta)->Apply(roads);
+BENCHMARK_CAPTURE(BM_SampleRoad, SampledResidency, Type::SampledResidency)->Apply(roads);
+BENCHMARK_CAPTURE(BM_SampleRoad, SampledValue, Type::SampledValue)->Apply(roads);
+BENCHMARK_CAPTURE(BM_SampleRoad, TracedValueTransition, Type::TracedValueTransition)->Apply(roads);
+BENCHMARK_CAPTURE(BM_SampleRoad, TracedEvent, Type::TracedEvent)->Apply(roads);
 
-// The same promise; samples/s of residencies in 4 states.
-void BM_SampledResidencyRoad(benchmark::State& state)
-{
-    runRoad(state, Metric::MetricType::SampledResidency, INTERVAL_TICKS / STATES);
-}
-BENCHMARK(BM_SampledResidencyRoad)
-    ->ArgNames({"entities", "before"})
-    ->Args({8, 0})
-    ->Args({64, 0})
-    ->Args({512, 0})
-    ->Args({64, 1'000'000});
-
-// The same promise; samples/s of amounts, and of numbers as events.
-void BM_SampledDeltaRoad(benchmark::State& state)
-{
-    runRoad(state, Metric::MetricType::SampledDelta, VALUES);
-}
-BENCHMARK(BM_SampledDeltaRoad)->ArgNames({"entities", "before"})->Args({8, 0})->Args({64, 0})->Args({512, 0});
-
-void BM_TracedEventRoad(benchmark::State& state)
-{
-    runRoad(state, Metric::MetricType::TracedEvent, VALUES);
-}
-BENCHMARK(BM_TracedEventRoad)->ArgNames({"entities", "before"})->Args({8, 0})->Args({64, 0})->Args({512, 0});
-
-// A million events of one entity, at most 1.5 times what as many values of a SampledValue cost; samples/s over that
-// number of distinct values.
-void runDistinctValues(benchmark::State& state, Metric::MetricType type)
+// A million samples of one entity, so one element to a point: no kind costs more than 1.5 times SampledValue at the
+// same number of distinct values; samples/s.
+void BM_DistinctValues(benchmark::State& state, Type type)
 {
     constexpr std::int64_t samples = 1'000'000;
-    Session session(1);
+    Session session(1, 1);
     for (auto _ : state) {
-        Feeder feeder(session, type);
+        Feeder feeder(session, type, type == Type::SampledResidency);
         std::uint64_t count = 0;
         for (std::int64_t fed = 0; fed < samples; ++fed)
             feeder.feedRound([&] { return ++count * 7919 % static_cast<std::uint64_t>(state.range(0)); });
@@ -215,37 +192,23 @@ void runDistinctValues(benchmark::State& state, Metric::MetricType type)
     state.SetItemsProcessed(state.iterations() * samples);
 }
 
-void BM_TracedEventDistinctValues(benchmark::State& state)
+void distinctValues(benchmark::internal::Benchmark* bench)
 {
-    runDistinctValues(state, Metric::MetricType::TracedEvent);
+    bench->ArgName("values")->Arg(1)->Arg(100)->Arg(10'000)->Unit(benchmark::kMillisecond);
 }
-BENCHMARK(BM_TracedEventDistinctValues)->ArgName("values")->Arg(1)->Arg(100)->Arg(10'000);
-
-void BM_SampledValueDistinctValues(benchmark::State& state)
-{
-    runDistinctValues(state, Metric::MetricType::SampledValue);
-}
-BENCHMARK(BM_SampledValueDistinctValues)->ArgName("values")->Arg(1)->Arg(100)->Arg(10'000);
-
-// The same promise; transitions/s between 16 values.
-void BM_TracedTransitionRoad(benchmark::State& state)
-{
-    runRoad(state, Metric::MetricType::TracedValueTransition, VALUES);
-}
-BENCHMARK(BM_TracedTransitionRoad)
-    ->ArgNames({"entities", "before"})
-    ->Args({8, 0})
-    ->Args({64, 0})
-    ->Args({512, 0})
-    ->Args({64, 1'000'000});
+BENCHMARK_CAPTURE(BM_DistinctValues, SampledDelta, Type::SampledDelta)->Apply(distinctValues);
+BENCHMARK_CAPTURE(BM_DistinctValues, SampledResidency, Type::SampledResidency)->Apply(distinctValues);
+BENCHMARK_CAPTURE(BM_DistinctValues, SampledValue, Type::SampledValue)->Apply(distinctValues);
+BENCHMARK_CAPTURE(BM_DistinctValues, TracedValueTransition, Type::TracedValueTransition)->Apply(distinctValues);
+BENCHMARK_CAPTURE(BM_DistinctValues, TracedEvent, Type::TracedEvent)->Apply(distinctValues);
 
 // Values that never repeat are not searched: samples/s of 1,000 entities hardly fall from 10,000 to 100,000 values.
 void BM_ValuesThatNeverRepeat(benchmark::State& state)
 {
-    Session session(1000);
+    Session session(1000, 0);
     for (auto _ : state) {
         state.PauseTiming();
-        auto feeder = std::make_unique<Feeder>(session, Metric::MetricType::SampledValue);
+        auto feeder = std::make_unique<Feeder>(session, Type::SampledValue, false);
         std::uint64_t value = 0;
         state.ResumeTiming();
         while (value < static_cast<std::uint64_t>(state.range(0)))
@@ -257,5 +220,49 @@ void BM_ValuesThatNeverRepeat(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_ValuesThatNeverRepeat)->ArgName("values")->Arg(10'000)->Arg(100'000);
+
+constexpr std::size_t ENTITIES = 512;
+constexpr std::size_t DESCRIPTORS = 16;
+
+// The floor of a finalize: one table with a row of two handles and four figures for each pair; pairs/s.
+void BM_FinalizeFloor(benchmark::State& state)
+{
+    Session session(ENTITIES, DESCRIPTORS);
+    for (auto _ : state) {
+        TableMessage table("Floor", nullptr);
+        for (unsigned int field = 0; field < 6; ++field)
+            table.addField("field" + std::to_string(field), field < 2 ? DataType::HANDLE : DataType::REAL, false);
+        table.createTable();
+        for (const EntityHandle* entity : session.entities) {
+            for (const DataDescriptor* descriptor : session.states) {
+                table.setField(0, *entity);
+                table.setField(1, *descriptor);
+                for (unsigned int field = 2; field < 6; ++field)
+                    table.setField(field, 1.5 * field);
+                session.stream->pushMessage(table);
+            }
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(ENTITIES * DESCRIPTORS));
+}
+BENCHMARK(BM_FinalizeFloor)->Unit(benchmark::kMillisecond);
+
+// All tables of 512 entities with 16 descriptors each, of which there are 16 values; pairs/s.
+void BM_Finalize(benchmark::State& state, Type type)
+{
+    Session session(ENTITIES, DESCRIPTORS);
+    Feeder feeder(session, type, true);
+    std::uint64_t count = 0;
+    for (int round = 0; round < 16; ++round)
+        feeder.feedRound([&] { return ++count * 7919 % VALUES; });
+    for (auto _ : state)
+        feeder.finalize();
+    state.SetItemsProcessed(state.iterations() * feeder.samplesPerRound());
+}
+BENCHMARK_CAPTURE(BM_Finalize, SampledDelta, Type::SampledDelta)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Finalize, SampledResidency, Type::SampledResidency)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Finalize, SampledValue, Type::SampledValue)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Finalize, TracedValueTransition, Type::TracedValueTransition)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Finalize, TracedEvent, Type::TracedEvent)->Unit(benchmark::kMillisecond);
 
 }    // namespace

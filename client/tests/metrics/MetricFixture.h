@@ -20,6 +20,11 @@ namespace test {
 
 using Row = std::vector<std::string>;
 
+// The tables of residencies, sampled or traced.
+inline const std::string PERCENTAGE = "M Summary: Residency (Percentage)";
+inline const std::string TIME = "M Summary: Residency (Time)";
+inline const std::string COMBINED = "M Summary: Residency (Percentage and Time)";
+
 // A session with a clock of 1000 MHz (1000 ticks are a microsecond) that started at tick 1000, and short ways to feed a
 // metric and to read its tables.
 class MetricFixture : public testing::Test {
@@ -33,6 +38,15 @@ protected:
     {
         std::ofstream("output.conf") << statements;
         ASSERT_EQ(0, pwr::WriterInterfaceConfigFileParser::instance()->parse({"output.conf"}, system));
+    }
+
+    // Statements for configure().
+    static std::string transposed(const std::vector<std::string>& tableTypes)
+    {
+        std::string statements;
+        for (const std::string& type : tableTypes)
+            statements += "ALL_FEAT_BOX_" + type + "_TRANSPOSE=YES\n";
+        return statements;
     }
 
     std::unique_ptr<pwr::Metric> makeMetric(Type type, const pwr::Quantity* quantity = nullptr)

@@ -178,18 +178,6 @@ TEST_F(MetricTest, ElementIsWrittenToAndCopied)
     EXPECT_EQ("M", session.writer.points[0].elements[0].scopraDescriptor);
 }
 
-TEST_F(MetricTest, ResidencyDurationIsTheTimeSinceTheEntitysLastSamplingPoint)
-{
-    auto metric = makeMetric(Type::SampledResidency);
-    EXPECT_EQ(0, sample(*metric, 2000, m_core0, m_c1, 100U));
-    EXPECT_EQ(0, sample(*metric, 2000, m_core0, m_c6, 900U));
-    EXPECT_EQ(0, sample(*metric, 2500, m_core0, m_c1, 500U));    // the other state is silent
-    EXPECT_EQ(0, sample(*metric, 3500, m_core0, m_c6, 1000U));
-    EXPECT_EQ(0, sample(*metric, 3600, m_core0, m_c6, 0U, Metric::RESET_DURATION));
-    EXPECT_EQ(0, metric->finalize());
-    EXPECT_THAT(durations(), ElementsAre(ElementsAre(1000, 1000), ElementsAre(500), ElementsAre(1000), ElementsAre(0)));
-}
-
 TEST_F(MetricTest, ResidencyDurationIsCutToTheSamplingInterval)
 {
     auto metric = makeMetric(Type::SampledResidency);

@@ -3,33 +3,10 @@
 #include "metrics/MetricFixture.h"
 
 using namespace pwr;
-using testing::ElementsAre;
 
 namespace {
 
 class SampleCountSummarizerTest : public test::MetricFixture {};
-
-TEST_F(SampleCountSummarizerTest, CountsPairsInOrderOfEntityAndDescriptor)
-{
-    const DataDescriptor* x = descriptor("x");
-    const DataDescriptor* y = descriptor("y");
-    const EntityHandle* a = entity("A");
-    const EntityHandle* b = entity("B");
-    SampleCountSummarizer counts(false, false, false);
-    configure("ALL_FEAT_BOX_SAMPLE-COUNT_TABLE=NO\n");    // the metric makes no such table itself
-    auto metric = makeMetric(Type::TracedEvent);
-    metric->addAccumulator(&counts);
-    metric->setEntityDescriptorCombinations({{a, x}, {b, y}});
-    sample(*metric, 2000, b, y, 1U);
-    sample(*metric, 2000, b, x, 1U);
-    sample(*metric, 2100, a, y, 1U);
-    sample(*metric, 2200, b, y, 1U);
-    metric->finalize();
-    const std::string title = "M Summary: Total Samples Received";
-    EXPECT_THAT(columns(title), ElementsAre("", "", "Total # of samples"));
-    EXPECT_THAT(rows(title), ElementsAre(ElementsAre("A", "x", "0"), ElementsAre("A", "y", "1"),
-                                         ElementsAre("B", "x", "1"), ElementsAre("B", "y", "2")));
-}
 
 TEST_F(SampleCountSummarizerTest, CombinationsAloneMakeNoDescriptorColumn)
 {

@@ -7,7 +7,6 @@ using testing::IsEmpty;
 namespace {
 
 const char* const SAMPLED = "M Summary - Sampled: Total Samples Received";
-const char* const RESIDENCY = "M Summary: Total Samples Received";
 
 class SampleCountTest : public test::MetricFixture {};
 
@@ -32,32 +31,6 @@ TEST_F(SampleCountTest, CountsDistinctTimestampsOfAnEntityWhateverItsDescriptors
     EXPECT_EQ(TableMessageType::TABLE_LAYOUT, session.writer.tablesNamed(SAMPLED).front().type);
 }
 
-TEST_F(SampleCountTest, CombinationWithoutASampleHasARowOfZeros)
-{
-    const EntityHandle* silent = entity("silent");
-    const EntityHandle* heard = entity("heard");
-    const DataDescriptor* state = descriptor("C6");
-    auto metric = makeMetric(Type::SampledResidency);
-    metric->setEntityDescriptorCombinations({{silent, state}, {silent, nullptr}, {heard, state}});
-    sample(*metric, 2000, heard, state, 1U);
-    metric->finalize();
-    EXPECT_THAT(rows(RESIDENCY), ElementsAre(ElementsAre("heard", "1", "0.00", "0.00", "0.00"),
-                                             ElementsAre("silent", "0", "0.00", "0.00", "0.00")));
-}
-
-TEST_F(SampleCountTest, EntityNameThatRepeatsHasOneRow)
-{
-    auto metric = makeMetric(Type::SampledValue);
-    const EntityHandle* first = entity("same");
-    const EntityHandle* second = entity("same");
-    sample(*metric, 2000, first, nullptr, 1U);
-    sample(*metric, 3000, second, nullptr, 1U);
-    sample(*metric, 4000, second, nullptr, 1U);
-    metric->finalize();
-    ASSERT_EQ(1u, rows(SAMPLED).size());
-    EXPECT_EQ("1", rows(SAMPLED)[0][1]);
-}
-
 TEST_F(SampleCountTest, TableHasItsTitleFromTheConfigurationAndNoNotes)
 {
     configure("ALL_FEAT_BOX_SAMPLE-COUNT_TITLE=Counted\n"
@@ -70,16 +43,6 @@ TEST_F(SampleCountTest, TableHasItsTitleFromTheConfigurationAndNoNotes)
     EXPECT_THAT(pushes[0].preNotes, IsEmpty());
     EXPECT_TRUE(pushes[0].isChildOfMetric);
     EXPECT_EQ(metric->getId(), pushes[0].metricId);
-}
-
-TEST_F(SampleCountTest, TableThatIsTurnedOffIsNotMade)
-{
-    configure("ALL_FEAT_BOX_SAMPLE-COUNT_TABLE=NO\n");
-    auto metric = makeMetric(Type::SampledValue);
-    sample(*metric, 2000, entity("A"), nullptr, 1U);
-    metric->finalize();
-    EXPECT_TRUE(session.writer.tablesNamed(SAMPLED).empty());
-    EXPECT_EQ(5u, session.writer.tableTitles().size());
 }
 
 }    // namespace

@@ -1,20 +1,15 @@
 #include "metrics/MetricFixture.h"
 
 using namespace pwr;
+using test::COMBINED;
+using test::PERCENTAGE;
+using test::TIME;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-const std::string PERCENTAGE = "M Summary: Residency (Percentage)";
-const std::string TIME = "M Summary: Residency (Time)";
-const std::string COMBINED = "M Summary: Residency (Percentage and Time)";
 const std::string COUNTS = "M Summary: Entry Counts";
-
-const char* const TRANSPOSED = "ALL_FEAT_BOX_RESIDENCY-PERCENTAGE_TRANSPOSE=YES\n"
-                               "ALL_FEAT_BOX_RESIDENCY-MILLISECOND_TRANSPOSE=YES\n"
-                               "ALL_FEAT_BOX_RESIDENCY-COMBINED_TRANSPOSE=YES\n"
-                               "ALL_FEAT_BOX_TRANSITION-COUNTS_TRANSPOSE=YES\n";
 
 // A clock of 1 MHz: 1000 ticks are a millisecond.
 class TracedTransitionTest : public test::MetricFixture {
@@ -44,10 +39,7 @@ TEST_F(TracedTransitionTest, ValuesAreRowsAndEntitiesHaveColumns)
     sample(*metric, 1700, m_core1, nullptr, *m_b);
     feedStates(*metric);
     EXPECT_EQ(0, metric->finalize());
-    EXPECT_THAT(session.writer.tableTitles(), ElementsAre(PERCENTAGE, TIME, COUNTS, COMBINED));
     EXPECT_THAT(columns(PERCENTAGE), ElementsAre("State", "Core_0", "Core_1"));
-    EXPECT_THAT(rows(PERCENTAGE), ElementsAre(ElementsAre("A", "40.00", "0.00"), ElementsAre("B", "60.00", "100.00")));
-    EXPECT_THAT(rows(TIME), ElementsAre(ElementsAre("A", "0.20", "0.00"), ElementsAre("B", "0.30", "0.70")));
     EXPECT_THAT(columns(COMBINED),
                 ElementsAre("State", "Residency (%)", "Residency (msec)", "Residency (%)", "Residency (msec)"));
     EXPECT_THAT(rows(COMBINED), ElementsAre(ElementsAre("A", "40.00", "0.20", "0.00", "0.00"),
@@ -59,59 +51,17 @@ TEST_F(TracedTransitionTest, ValuesAreRowsAndEntitiesHaveColumns)
 
 TEST_F(TracedTransitionTest, TransposedTablesLeaveTheCellsOfSilentEntitiesEmpty)
 {
-    configure(TRANSPOSED);
+    configure(transposed({"RESIDENCY-MILLISECOND", "TRANSITION-COUNTS", "RESIDENCY-COMBINED"}));
     auto metric = makeMetric(Type::TracedValueTransition);
     metric->setEntityGroupInfo(FieldDescription("Core", ""));
-    metric->setEntityDescriptorCombinations({{entity("silent"), nullptr}});
-    feedStates(*metric);
-    sample(*metric, 1700, m_core1, nullptr, *m_b);
-    metric->finalize();
-    EXPECT_THAT(columns(COMBINED), ElementsAre("Core", "A (%)", "B (%)", "A (msec)", "B (msec)"));
-    EXPECT_THAT(rows(COMBINED), ElementsAre(ElementsAre("Core_0", "40.00", "60.00", "0.20", "0.30"),
-                                            ElementsAre("Core_1", "0.00", "100.00", "0.00", "0.70"),
-                                            ElementsAre("silent", "", "", "", "")));
-    EXPECT_THAT(columns(TIME), ElementsAre("Core", "A (msec)", "B (msec)"));
-    EXPECT_THAT(rows(TIME), ElementsAre(ElementsAre("Core_0", "0.20", "0.30"), ElementsAre("Core_1", "0.00", "0.70"),
-                                        ElementsAre("silent", "", "")));
-    EXPECT_THAT(columns(COUNTS), ElementsAre("", "Core_0", "Core_1", "silent")) << "has no transposed form";
-}
-
-TEST_F(TracedTransitionTest, EntityOfACombinationAloneHasColumnsOfZeros)
-{
-    auto metric = makeMetric(Type::TracedValueTransition);
     metric->setEntityDescriptorCombinations({{m_core1, nullptr}});
     feedStates(*metric);
     metric->finalize();
-    EXPECT_THAT(rows(PERCENTAGE), ElementsAre(ElementsAre("A", "40.00", "0.00"), ElementsAre("B", "60.00", "0.00")));
-    EXPECT_THAT(rows(COUNTS).back(), ElementsAre("Total", "3", "0"));
-}
-
-TEST_F(TracedTransitionTest, FiniteSetLeadsTheRowsSeenOrNot)
-{
-    auto metric = makeMetric(Type::TracedValueTransition);
-    metric->setFiniteSetValues({m_y, m_b});
-    feedStates(*metric);
-    sample(*metric, 2000, m_core0, nullptr, *m_x);
-    metric->finalize();
-    EXPECT_THAT(rows(COUNTS), ElementsAre(ElementsAre("y", "0"), ElementsAre("B", "1"), ElementsAre("A", "2"),
-                                          ElementsAre("x", "1"), ElementsAre("Total", "4")));
-    EXPECT_THAT(rows(TIME), ElementsAre(ElementsAre("y", "0.00"), ElementsAre("B", "0.30"), ElementsAre("A", "0.20"),
-                                        ElementsAre("x", "0.50")));
-}
-
-TEST_F(TracedTransitionTest, EachDescriptorHasATableThatNamesIt)
-{
-    auto metric = makeMetric(Type::TracedValueTransition);
-    feedStates(*metric, m_y);
-    sample(*metric, 1900, m_core1, m_x, 7);
-    sample(*metric, 2000, m_core1, m_x, 5);
-    sample(*metric, 3000, m_core1, nullptr, 6);    // has a column, but no table
-    metric->finalize();
-    EXPECT_THAT(session.writer.tableTitles(),
-                ElementsAre(PERCENTAGE + " for x", PERCENTAGE + " for y", TIME + " for x", TIME + " for y",
-                            COUNTS + " for x", COUNTS + " for y", COMBINED + " for x", COMBINED + " for y"));
-    EXPECT_THAT(rows(PERCENTAGE + " for x"),
-                ElementsAre(ElementsAre("5", "0.00", "10.00"), ElementsAre("7", "0.00", "90.00")));
+    EXPECT_THAT(columns(COMBINED), ElementsAre("Core", "A (%)", "B (%)", "A (msec)", "B (msec)"));
+    EXPECT_THAT(rows(COMBINED), ElementsAre(ElementsAre("Core_0", "40.00", "60.00", "0.20", "0.30"),
+                                            ElementsAre("Core_1", "", "", "", "")));
+    EXPECT_THAT(columns(TIME), ElementsAre("Core", "A (msec)", "B (msec)"));
+    EXPECT_THAT(columns(COUNTS), ElementsAre("", "Core_0", "Core_1")) << "has no transposed form";
 }
 
 // The tables are as many as descriptors have samples, whichever those are.
@@ -137,16 +87,6 @@ TEST_F(TracedTransitionTest, CombinationWithALowerDescriptorTakesATable)
     EXPECT_THAT(rows(TIME + " for y"), ElementsAre(ElementsAre("A", "0.20", "0.00"), ElementsAre("B", "0.30", "0.00")));
 }
 
-TEST_F(TracedTransitionTest, DescriptorsOfCombinationsAloneHaveNoTable)
-{
-    auto metric = makeMetric(Type::TracedValueTransition);
-    metric->setEntityDescriptorCombinations({{m_core0, m_x}, {m_core1, m_y}});
-    feedStates(*metric);
-    metric->finalize();
-    EXPECT_THAT(session.writer.tableTitles(), ElementsAre(PERCENTAGE, TIME, COUNTS, COMBINED));
-    EXPECT_THAT(rows(TIME), ElementsAre(ElementsAre("A", "0.20", "0.00"), ElementsAre("B", "0.30", "0.00")));
-}
-
 TEST_F(TracedTransitionTest, TotalIsWrittenEvenIfItsNameDoesNotFitTheValues)
 {
     configure("ALL_FEAT_BOX_TRANSITION-COUNTS_SUPPRESS-TOTAL=YES\n"
@@ -163,16 +103,6 @@ TEST_F(TracedTransitionTest, TotalIsWrittenEvenIfItsNameDoesNotFitTheValues)
                 ElementsAre(ElementsAre("800", "1"), ElementsAre("1600", "1"), ElementsAre("", "2")));
     EXPECT_EQ(1u, session.log.count("WARNING: Invalid attempt to initialize data of the wrong type"));
     EXPECT_THAT(session.writer.tablesNamed("Clock Summary: Entry Counts").front().postNotes, ElementsAre("behind"));
-}
-
-TEST_F(TracedTransitionTest, ValueHeldForNoTimeHasNoShare)
-{
-    auto metric = makeMetric(Type::TracedValueTransition);
-    sample(*metric, 1000, m_core0, nullptr, *m_a);    // at the start of the collection
-    EXPECT_EQ(0, metric->finalize());
-    EXPECT_THAT(rows(PERCENTAGE).at(0).at(1), testing::HasSubstr("nan"));
-    EXPECT_THAT(rows(TIME), ElementsAre(ElementsAre("A", "0.00")));
-    EXPECT_THAT(rows(COUNTS).at(0), ElementsAre("A", "1"));
 }
 
 TEST_F(TracedTransitionTest, TablesAndFiguresAreToldAtInfoLevel)

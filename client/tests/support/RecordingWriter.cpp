@@ -29,6 +29,30 @@ RecordedElement recorded(const pwr::DataElement& element)
     return copy;
 }
 
+// In the order of getRowValues().
+std::vector<pwr::Data> cellValues(const pwr::TableMessage& table)
+{
+    std::vector<pwr::Data> values;
+    if (table.getTableMessageType() == pwr::TableMessageType::TABLE_LAYOUT) return values;
+    const auto keep = [&](const pwr::EntityHandle* entity, const pwr::DataHandle* handle) {
+        const pwr::Data* value = nullptr;
+        bool isValid = false;
+        const int result = entity != nullptr ? table.getFieldValue(entity, handle, value, isValid)
+                                             : table.getFieldValue(handle, value, isValid);
+        values.push_back(result == 0 && isValid ? *value : pwr::Data());
+    };
+    const auto keepRow = [&](const pwr::EntityHandle* entity) {
+        for (auto handle = table.handleBegin(); handle != table.handleEnd(); ++handle)
+            keep(entity, *handle);
+    };
+    for (auto handle = table.sharedHandleBegin(); handle != table.sharedHandleEnd(); ++handle)
+        keep(nullptr, *handle);
+    if (table.getEntityCount() == 0) keepRow(nullptr);
+    for (auto entity = table.entityBegin(); entity != table.entityEnd(); ++entity)
+        keepRow(*entity);
+    return values;
+}
+
 }    // namespace
 
 int RecordingWriter::openOutput()
@@ -129,6 +153,7 @@ int RecordingWriter::writeMessage(const pwr::TableMessage& message)
     std::deque<std::string> cells;
     getRowValues(message, cells);
     table.cells = toVector(cells);
+    table.values = cellValues(message);
     if (message.getTextNotes() != nullptr) {
         message.getTextNotes()->getPreTableNotes(table.preNotes);
         message.getTextNotes()->getPostTableNotes(table.postNotes);

@@ -18,6 +18,7 @@ struct RecordedTable {
     pwr::TableMessageType type{};
     std::vector<std::string> columns;
     std::vector<std::string> cells;
+    std::vector<pwr::Data> values;    // of the cells; type NONE where a cell is not valid
     std::vector<std::string> preNotes;
     std::vector<std::string> postNotes;
 };

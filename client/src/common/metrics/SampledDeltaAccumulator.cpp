@@ -5,7 +5,6 @@
 #include "runtime/Log.h"
 #include "runtime/Saturate.h"
 #include "values/Description.h"
-#include "values/Formatter.h"
 #include "values/Quantity.h"
 
 #include <algorithm>
@@ -32,14 +31,6 @@ using Summary = SampledDeltaAccumulator::Summary;
 auto isEntryOf(Summary summary)
 {
     return [summary](const auto& entry) { return static_cast<Summary>(entry.number) == summary; };
-}
-
-// Empty for what is no number.
-std::string formatted(const Data& value)
-{
-    std::string text;
-    pwr::Formatter::formatReal(pwr::RealFormatter(0, 2), text, value);
-    return text;
 }
 
 // The sum of a column. Without an addend it has no number to show.
@@ -115,23 +106,20 @@ bool SampledDeltaAccumulator::isListed_i(Summary summary) const
     return std::any_of(m_summaries.begin(), m_summaries.end(), isEntryOf(summary));
 }
 
-int SampledDeltaAccumulator::processMessage_i(const Metric& metric)
+void SampledDeltaAccumulator::addElement_i(const DataElement& element)
 {
-    for (const DataElement* element : metric.getData().elements) {
-        Record& record = *m_records.at(pwr::elementKey(*element)).first;
-        if (record.count == 0) openRecord_i(record, *element);
-        record.total.addValue(*element->getValue());
-        ++record.count;
-        record.duration += static_cast<double>(element->getDuration());
-    }
-    return 0;
+    Record& record = *m_records.at(pwr::elementKey(element)).first;
+    if (record.count == 0) openRecord_i(record, element);
+    record.total.addValue(*element.getValue());
+    ++record.count;
+    record.duration += static_cast<double>(element.getDuration());
 }
 
 void SampledDeltaAccumulator::openRecord_i(Record& record, const DataElement& element)
 {
     record.entity = element.getEntity();
     record.descriptor = element.getDescriptor();
-    record.total = Data(element.getValue()->getType());
+    record.total = Data(m_valueType);
     record.total.initZero();
     m_participants.addSampled(element);
 }
@@ -187,16 +175,16 @@ void SampledDeltaAccumulator::makeRateTable_i(const pwr::TableRequest& request)
             rates.add(rate);
             totals.add(total);
             table.setPair(record->entity, record->descriptor);
-            table.set(rateColumn, formatted(rate));
-            table.set(totalColumn, formatted(total));
+            table.set(rateColumn, SummaryTable::realText(rate));
+            table.set(totalColumn, SummaryTable::realText(total));
         }
         table.pushRow();
     }
     if (request.info.suppressTotal()) return;
 
     setTotalPair_i(table);
-    table.set(rateColumn, formatted(rates.get()));
-    table.set(totalColumn, formatted(totals.get()));
+    table.set(rateColumn, SummaryTable::realText(rates.get()));
+    table.set(totalColumn, SummaryTable::realText(totals.get()));
     table.pushRow();
 }
 
@@ -223,8 +211,8 @@ void SampledDeltaAccumulator::makeTransposedRateTable_i(const pwr::TableRequest&
         for (const auto& column : m_participants.entities()) {
             const Record* record = m_records.find(pwr::elementKey(column.second, descriptor));
             if (record == nullptr || record->count == 0) continue;
-            table.set(column.second, rate, formatted(rate_i(*record)));
-            table.set(column.second, total, formatted(Data::convertToReal(&record->total)));
+            table.set(column.second, rate, SummaryTable::realText(rate_i(*record)));
+            table.set(column.second, total, SummaryTable::realText(Data::convertToReal(&record->total)));
         }
         table.pushRow();
     }
@@ -243,7 +231,7 @@ void SampledDeltaAccumulator::makeTotalTable_i(const pwr::TableRequest& request)
     for (const Record* record : m_records.inKeyOrder()) {
         if (record->count != 0) {
             const Data total = Data::convertToReal(&record->total);
-            const std::string text = formatted(total);
+            const std::string text = SummaryTable::realText(total);
             double number = 0;
             if (total.toReal(number) != 0) QV_LOG_WARNING("WARNING: couldn't convert %s to real!\n", text.c_str());
             sum += number;
@@ -253,7 +241,7 @@ void SampledDeltaAccumulator::makeTotalTable_i(const pwr::TableRequest& request)
         table.pushRow();
     }
     setTotalPair_i(table);
-    table.set(totalColumn, formatted(Data(sum)));
+    table.set(totalColumn, SummaryTable::realText(Data(sum)));
     table.pushRow();
 }
 

@@ -38,7 +38,7 @@ private:
     };
 
     void initialize_i(const pwr::Metric& metric) override;
-    int processMessage_i(const pwr::Metric& metric) override;
+    void addElement_i(const pwr::DataElement& element) override;
     void makeTable_i(std::size_t summary, const pwr::TableRequest& request) override;
 
     bool prepareRate_i(const pwr::Quantity* quantity, bool isWanted);

@@ -50,7 +50,6 @@ void SampledResidencyAccumulator::addElement_i(const DataElement& element)
     unsigned long long ticks = 0;
     element.getValue()->toUInt(ticks);
     record.residency += static_cast<double>(ticks);
-    ++record.count;
 
     // Whatever the number of its states, an entity's time counts once in a data point.
     Entity& entity = *record.entity;
@@ -72,10 +71,7 @@ SampledResidencyAccumulator::Record& SampledResidencyAccumulator::recordOf_i(con
 
 void SampledResidencyAccumulator::makeTable_i(std::size_t summary, const pwr::TableRequest& request)
 {
-    const auto type = static_cast<Summary>(summary);
-    ResidencyFigures figures;
-    if (type != Summary::RESIDENCY_MILLISECOND) figures.push_back(ResidencyFigure::PERCENT);
-    if (type != Summary::RESIDENCY_PERCENTAGE) figures.push_back(ResidencyFigure::MSEC);
+    const ResidencyFigures figures = pwr::residencyFigures(static_cast<Summary>(summary));
     const std::string title = pwr::residencyTitle(request.title, figures);
     SummaryTable table(*m_stream, request.metric, title, makeNotes_i(request.info));
     if (request.info.isTableTransposed()) {
@@ -165,8 +161,7 @@ double SampledResidencyAccumulator::residencyOf_i(const EntityHandle* entity, co
     const Record* record = m_records.find(pwr::elementKey(entity, descriptor));
     if (record == nullptr) return 0.0;
     const pwr::Residency residency{record->residency, record->entity->totalDuration};
-    QV_LOG_INFO("INFO: timestamp freq=%lf residency=%llu, total duration=%llu\n", m_clockMHz,
-                pwr::saturate<unsigned long long>(residency.ticks),
-                pwr::saturate<unsigned long long>(residency.totalTicks));
+    pwr::tellResidency(pwr::saturate<std::uint64_t>(residency.ticks),
+                       pwr::saturate<std::uint64_t>(residency.totalTicks), m_clockMHz);
     return pwr::residencyValue(figure, residency, m_clockMHz);
 }

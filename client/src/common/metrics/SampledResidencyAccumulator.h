@@ -37,15 +37,14 @@ private:
 
     struct Record {
         Entity* entity = nullptr;
-        std::uint64_t count = 0;
         double residency = 0;    // ticks
     };
 
     void initialize_i(const pwr::Metric& metric) override;
     int processMessage_i(const pwr::Metric& metric) override;
+    void addElement_i(const pwr::DataElement& element) override;
     void makeTable_i(std::size_t summary, const pwr::TableRequest& request) override;
 
-    void addElement_i(const pwr::DataElement& element);
     Record& recordOf_i(const pwr::DataElement& element);
 
     void fillTable_i(pwr::SummaryTable& table, const pwr::Metric& metric, const pwr::ResidencyFigures& figures);

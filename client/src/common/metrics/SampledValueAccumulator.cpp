@@ -1,6 +1,7 @@
 #include "metrics/SampledValueAccumulator.h"
 
 #include "metrics/Metric.h"
+#include "metrics/ResidencyFigures.h"
 #include "metrics/SummaryTable.h"
 #include "runtime/Log.h"
 #include "runtime/Saturate.h"
@@ -44,11 +45,6 @@ double asDouble(const Data& value, DataType type)
     }
 }
 
-double percentage(std::uint64_t part, std::uint64_t whole)
-{
-    return static_cast<double>(part) / static_cast<double>(whole) * 100.0;
-}
-
 }    // namespace
 
 SampledValueAccumulator::SampledValueAccumulator(const std::list<Summary>& summaries)
@@ -57,20 +53,10 @@ SampledValueAccumulator::SampledValueAccumulator(const std::list<Summary>& summa
     countSamples_i(true, true, true);
 }
 
-int SampledValueAccumulator::processMessage_i(const Metric& metric)
-{
-    for (const DataElement* element : metric.getData().elements)
-        addElement_i(*element);
-    return 0;
-}
-
 void SampledValueAccumulator::addElement_i(const DataElement& element)
 {
-    const Data& value = *element.getValue();    // a metric takes no element without
-    m_valueType = value.getType();
+    const Data& value = *element.getValue();
     Record& record = recordOf_i(element);
-    ++record.count;
-
     const double weightUs = static_cast<double>(element.getDuration()) / m_clockMHz;
     if (weightUs == 0.0) QV_LOG_WARNING("WARNING: SampledValueAccumulator has zero weight!\n");
     if (isNumber(m_valueType)) {
@@ -79,12 +65,7 @@ void SampledValueAccumulator::addElement_i(const DataElement& element)
         record.sum.addValue(value);
         record.weightedSum += asDouble(value, m_valueType) * weightUs;
     }
-
-    const auto timeUs = pwr::saturate<std::uint64_t>(weightUs + 0.5);
-    Tally& tally = record.tallies[record.group->seen.add(value)];
-    ++tally.count;
-    tally.timeUs += timeUs;
-    record.totalTimeUs += timeUs;
+    record.tallies.add(record.group->seen.add(value), pwr::saturate<std::uint64_t>(weightUs + 0.5));
 }
 
 SampledValueAccumulator::Record& SampledValueAccumulator::recordOf_i(const DataElement& element)
@@ -158,8 +139,9 @@ void SampledValueAccumulator::pushMinMaxRow_i(SummaryTable& table, const Record&
     table.set(column++, record.minimum);
     table.set(column++, record.maximum);
     if (withAverages) {
-        table.set(column++, asDouble(record.sum, m_valueType) / static_cast<double>(record.count));
-        table.set(column, record.weightedSum / static_cast<double>(record.totalTimeUs));
+        const pwr::ValueTallies::Tally& all = record.tallies.ofAll();
+        table.set(column++, asDouble(record.sum, m_valueType) / static_cast<double>(all.count));
+        table.set(column, record.weightedSum / static_cast<double>(all.time));
     }
     table.pushRow();
 }
@@ -222,7 +204,7 @@ void SampledValueAccumulator::fillValueTable_i(SummaryTable& table, const Metric
         unsigned int column = 0;
         table.set(column++, *row.value);
         for (const auto& entry : group.entities)
-            setFigure_i(table, column++, figure, *entry.second, row.number);
+            setFigure_i(table, column++, figure, *entry.second, row);
         table.pushRow();
     }
 }
@@ -251,7 +233,7 @@ void SampledValueAccumulator::fillTransposedTable_i(SummaryTable& table, const M
         if (hasEntityColumn && namesEntities) table.set(column++, record.entity->getQualifiedName());
         if (hasEntityColumn && !namesEntities) table.setHandle(column++, record.entity);
         for (const auto& value : values)
-            setFigure_i(table, column++, figure, record, value.number);
+            setFigure_i(table, column++, figure, record, value);
         table.pushRow();
     }
 }
@@ -266,20 +248,17 @@ void SampledValueAccumulator::addFigureColumn_i(SummaryTable& table, const std::
 }
 
 void SampledValueAccumulator::setFigure_i(SummaryTable& table, unsigned int column, Figure figure, const Record& record,
-                                          const std::optional<std::size_t>& number)
+                                          const pwr::SeenValues::Entry& value)
 {
-    const Tally* tally = nullptr;
-    if (number.has_value()) {
-        const auto found = record.tallies.find(*number);
-        if (found != record.tallies.end()) tally = &found->second;
-    }
+    const pwr::ValueTallies::Tally tally = record.tallies.of(value);
+    const pwr::ValueTallies::Tally& all = record.tallies.ofAll();
     if (figure == Figure::COUNT) {
-        table.set(column, tally != nullptr ? tally->count : std::uint64_t{0});
-    } else if (tally == nullptr) {
+        table.set(column, tally.count);
+    } else if (tally.count == 0) {
         table.set(column, 0.0);
     } else if (figure == Figure::SHARE) {
-        table.set(column, percentage(tally->count, record.count));
+        table.set(column, pwr::percentage(static_cast<double>(tally.count), static_cast<double>(all.count)));
     } else {
-        table.set(column, percentage(tally->timeUs, record.totalTimeUs));
+        table.set(column, pwr::percentage(static_cast<double>(tally.time), static_cast<double>(all.time)));
     }
 }

@@ -8,9 +8,7 @@
 #include <cstdint>
 #include <list>
 #include <map>
-#include <optional>
 #include <string>
-#include <unordered_map>
 
 namespace pwr {
 class Field;
@@ -35,22 +33,15 @@ public:
 private:
     struct Group;
 
-    struct Tally {
-        std::uint64_t count = 0;
-        std::uint64_t timeUs = 0;    // whole microseconds of each sample
-    };
-
     // All that is known of one entity and descriptor.
     struct Record {
         const pwr::EntityHandle* entity = nullptr;
         Group* group = nullptr;
-        std::uint64_t count = 0;
         pwr::Data minimum;    // of the value's type, as the next two; numeric values only
         pwr::Data maximum;
         pwr::Data sum;
-        double weightedSum = 0;    // value times exact microseconds
-        std::uint64_t totalTimeUs = 0;
-        std::unordered_map<std::size_t, Tally> tallies;    // by the value's number among the group's seen values
+        double weightedSum = 0;       // value times exact microseconds
+        pwr::ValueTallies tallies;    // times are the whole microseconds of each sample
     };
 
     // The samples of one descriptor: each has a value table of its own.
@@ -62,10 +53,9 @@ private:
 
     enum class Figure { COUNT, SHARE, TIME_SHARE };
 
-    int processMessage_i(const pwr::Metric& metric) override;
+    void addElement_i(const pwr::DataElement& element) override;
     void makeTable_i(std::size_t summary, const pwr::TableRequest& request) override;
 
-    void addElement_i(const pwr::DataElement& element);
     Record& recordOf_i(const pwr::DataElement& element);
     void openRecord_i(Record& record, const pwr::DataElement& element);
 
@@ -80,9 +70,8 @@ private:
                                const Group& group) const;
     static void addFigureColumn_i(pwr::SummaryTable& table, const std::string& name, Figure figure);
     static void setFigure_i(pwr::SummaryTable& table, unsigned int column, Figure figure, const Record& record,
-                            const std::optional<std::size_t>& number);
+                            const pwr::SeenValues::Entry& value);
 
-    pwr::DataType m_valueType = pwr::DataType::NONE;    // of the last value seen
     std::size_t m_descriptorCount = 0;
     pwr::RecordsByKey<Record> m_records;
     std::map<std::uint64_t, Group> m_groups;    // by descriptor id, 0 for none: the order of the value tables

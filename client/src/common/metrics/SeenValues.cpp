@@ -93,4 +93,11 @@ std::vector<SeenValues::Entry> SeenValues::listedAfter(const std::vector<Data>& 
     return entries;
 }
 
+ValueTallies::Tally ValueTallies::of(const SeenValues::Entry& value) const
+{
+    if (!value.number.has_value()) return {};
+    const auto found = m_tallies.find(*value.number);
+    return found != m_tallies.end() ? found->second : Tally();
+}
+
 }    // namespace pwr

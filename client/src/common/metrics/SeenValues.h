@@ -3,9 +3,11 @@
 #include "values/Data.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace pwr {
@@ -42,6 +44,34 @@ private:
     Numbers m_numbers;
     std::vector<Numbers::const_iterator> m_firstSeen;
     std::size_t m_nextNumber = 0;
+};
+
+// How often and for how long one entity and descriptor had each of the values that its group has seen.
+class ValueTallies {
+public:
+    struct Tally {
+        std::uint64_t count = 0;
+        std::uint64_t time = 0;    // in the user's unit
+
+        void add(std::uint64_t duration)
+        {
+            ++count;
+            time += duration;
+        }
+    };
+
+    void add(std::size_t number, std::uint64_t duration)
+    {
+        m_tallies[number].add(duration);
+        m_all.add(duration);
+    }
+
+    Tally of(const SeenValues::Entry& value) const;    // zeros for a value that never came
+    const Tally& ofAll() const { return m_all; }
+
+private:
+    std::unordered_map<std::size_t, Tally> m_tallies;    // by the value's number
+    Tally m_all;
 };
 
 }    // namespace pwr

@@ -75,6 +75,15 @@ int SummaryAccumulator::processMessage(const Metric& metric)
     return processMessage_i(metric);
 }
 
+int SummaryAccumulator::processMessage_i(const Metric& metric)
+{
+    for (const pwr::DataElement* element : metric.getData().elements) {
+        m_valueType = element->getValue()->getType();    // a metric takes no element without a value
+        addElement_i(*element);
+    }
+    return 0;
+}
+
 int SummaryAccumulator::finalize(const Metric& metric)
 {
     for (const Entry& entry : m_summaries) {

@@ -2,6 +2,7 @@
 
 #include "metrics/Accumulator.h"
 #include "metrics/Enum.h"
+#include "values/DataType.h"
 
 #include <cstddef>
 #include <list>
@@ -11,6 +12,7 @@
 
 class SampleCountSummarizer;
 namespace pwr {
+class DataElement;
 struct TableRequest;
 class TableInfo;
 class TextNotes;
@@ -55,12 +57,14 @@ protected:
 
     virtual void initialize_i(const pwr::Metric& metric);
     virtual void announceTable_i(const pwr::Metric& metric, const std::string& tableType) const;
-    virtual int processMessage_i(const pwr::Metric& metric) = 0;                            // 0, or 1 to report failure
+    virtual int processMessage_i(const pwr::Metric& metric);    // 0, or 1 to report failure
+    virtual void addElement_i(const pwr::DataElement& element) = 0;
     virtual void makeTable_i(std::size_t summary, const pwr::TableRequest& request) = 0;    // any but "SAMPLE-COUNT"
 
     std::list<Entry> m_summaries;    // list order is the order of the tables
     double m_clockMHz = 0;
-    std::string m_units;    // " (units)" behind column names; empty without units
+    std::string m_units;                                // " (units)" behind column names; empty without units
+    pwr::DataType m_valueType = pwr::DataType::NONE;    // of the last value
 
 private:
     std::unique_ptr<SampleCountSummarizer> m_sampleCounts;    // null: no such table

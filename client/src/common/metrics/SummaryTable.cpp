@@ -13,6 +13,11 @@ namespace pwr {
 
 namespace {
 
+RealFormatter realFormatter()
+{
+    return RealFormatter(0, 2);
+}
+
 const Field* orUnnamed(const Field* group)
 {
     return group != nullptr ? group : Field::create(FieldDescription("", ""));
@@ -66,8 +71,15 @@ unsigned int SummaryTable::addColumn(const std::string& name, DataType type)
 
 unsigned int SummaryTable::addRealColumn(const std::string& name)
 {
-    m_table.addField(name, DataType::REAL, RealFormatter(0, 2), false);
+    m_table.addField(name, DataType::REAL, realFormatter(), false);
     return m_fieldCount++;
+}
+
+std::string SummaryTable::realText(const Data& value)
+{
+    std::string text;
+    Formatter::formatReal(realFormatter(), text, value);
+    return text;
 }
 
 void SummaryTable::addPairColumns(const Metric& metric, bool withDescriptors)

@@ -44,6 +44,9 @@ public:
     unsigned int addColumn(const std::string& name, DataType type);
     unsigned int addRealColumn(const std::string& name);    // two digits behind the point
 
+    // For a number in a column of texts: as a real column shows it. Empty for what is no number.
+    static std::string realText(const Data& value);
+
     // What leads the rows of entities or, `withDescriptors`, of pairs. First of all columns.
     void addPairColumns(const Metric& metric, bool withDescriptors);
 

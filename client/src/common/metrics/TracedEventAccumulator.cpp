@@ -37,17 +37,9 @@ TracedEventAccumulator::TracedEventAccumulator(const std::list<Summary>& summari
     countSamples_i(false, false, false);
 }
 
-int TracedEventAccumulator::processMessage_i(const Metric& metric)
-{
-    for (const DataElement* element : metric.getData().elements)
-        addElement_i(*element);
-    return 0;
-}
-
 void TracedEventAccumulator::addElement_i(const DataElement& element)
 {
-    const Data& value = *element.getValue();    // a metric takes no element without
-    m_valueType = value.getType();
+    const Data& value = *element.getValue();
     const auto [record, isNew] = m_records.at(pwr::elementKey(element));
     if (isNew) openRecord_i(*record, element);
 

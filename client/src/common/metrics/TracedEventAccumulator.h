@@ -39,10 +39,9 @@ private:
         std::map<std::string, std::uint64_t> nameCounts;
     };
 
-    int processMessage_i(const pwr::Metric& metric) override;
+    void addElement_i(const pwr::DataElement& element) override;
     void makeTable_i(std::size_t summary, const pwr::TableRequest& request) override;
 
-    void addElement_i(const pwr::DataElement& element);
     void openRecord_i(Record& record, const pwr::DataElement& element);
     std::uint64_t& nameCount_i(Record& record, const pwr::Data& value);
 
@@ -52,7 +51,6 @@ private:
     void makeTopTables_i(const pwr::TableRequest& request);
     static std::vector<Tallies::const_iterator> mostFrequent_i(const Tallies& tallies);
 
-    pwr::DataType m_valueType = pwr::DataType::NONE;    // of the last value seen
     pwr::RecordsByKey<Record> m_records;
     pwr::Participants m_participants;
     std::map<std::uint64_t, std::set<std::string>> m_names;    // seen with a descriptor's id, 0 for none: row order

@@ -19,53 +19,19 @@ template <>
 const std::vector<std::string> pwr::Enum<TracedTransitionAccumulator::Summary>::s_names = {
     "RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND", "TRANSITION-COUNTS", "RESIDENCY-COMBINED"};
 
-namespace {
-
-using Summary = TracedTransitionAccumulator::Summary;
-
-// None for the table of counts.
-ResidencyFigures figuresOf(Summary type)
-{
-    switch (type) {
-    case Summary::RESIDENCY_PERCENTAGE:
-        return {ResidencyFigure::PERCENT};
-    case Summary::RESIDENCY_MILLISECOND:
-        return {ResidencyFigure::MSEC};
-    case Summary::RESIDENCY_COMBINED:
-        return {ResidencyFigure::PERCENT, ResidencyFigure::MSEC};
-    case Summary::TRANSITION_COUNTS:
-        break;
-    }
-    return {};
-}
-
-}    // namespace
-
 TracedTransitionAccumulator::TracedTransitionAccumulator(const std::list<Summary>& summaries)
     : SummaryAccumulator(entriesOf_i(summaries))
 {
 }
 
-int TracedTransitionAccumulator::processMessage_i(const Metric& metric)
-{
-    for (const DataElement* element : metric.getData().elements)
-        addElement_i(*element);
-    return 0;
-}
-
 void TracedTransitionAccumulator::addElement_i(const DataElement& element)
 {
-    const pwr::Data& value = *element.getValue();    // a metric takes no element without
-    m_valueType = value.getType();
     const auto [record, isNew] = m_records.at(pwr::elementKey(element));
     if (isNew) {
         record->seen = &m_seen[pwr::idOf(element.getDescriptor())];
         m_participants.addSampled(element);
     }
-    Tally& tally = record->tallies[record->seen->add(value)];
-    ++tally.count;
-    tally.ticks += element.getDuration();
-    record->ticks += element.getDuration();
+    record->tallies.add(record->seen->add(*element.getValue()), element.getDuration());
 }
 
 void TracedTransitionAccumulator::announceTable_i(const Metric& metric, const std::string& tableType) const
@@ -76,7 +42,7 @@ void TracedTransitionAccumulator::announceTable_i(const Metric& metric, const st
 void TracedTransitionAccumulator::makeTable_i(std::size_t summary, const pwr::TableRequest& request)
 {
     const Metric& metric = request.metric;
-    const ResidencyFigures figures = figuresOf(static_cast<Summary>(summary));
+    const ResidencyFigures figures = pwr::residencyFigures(static_cast<Summary>(summary));
     const std::string title =
         figures.empty() ? request.title + " Summary: Entry Counts" : pwr::residencyTitle(request.title, figures);
     const std::vector<const DataDescriptor*> descriptors = tableDescriptors_i(metric);
@@ -143,7 +109,7 @@ void TracedTransitionAccumulator::fillCountTable_i(SummaryTable& table, const Me
         table.set(0, *value.value);
         for (std::size_t i = 0; i < totals.size(); ++i) {
             const Member& member = content.members[i];
-            const std::uint64_t count = member.record != nullptr ? tallyOf_i(*member.record, value).count : 0;
+            const std::uint64_t count = member.record != nullptr ? member.record->tallies.of(value).count : 0;
             totals[i] += count;
             table.set(member.entity, column, count);
         }
@@ -178,18 +144,11 @@ void TracedTransitionAccumulator::fillResidencyTable_i(SummaryTable& table, cons
 void TracedTransitionAccumulator::setResidency_i(SummaryTable& table, const Member& member, const Value& value,
                                                  const ResidencyFigures& figures) const
 {
-    const Tally tally = member.record != nullptr ? tallyOf_i(*member.record, value) : Tally();
-    if (member.record != nullptr) {
-        QV_LOG_INFO("INFO: timestamp freq=%lf residency=%llu, total duration=%llu\n", m_clockMHz,
-                    static_cast<unsigned long long>(tally.ticks),
-                    static_cast<unsigned long long>(member.record->ticks));
-    }
+    const Record* record = member.record;
+    if (record != nullptr) pwr::tellResidency(record->tallies.of(value).time, record->tallies.ofAll().time, m_clockMHz);
     unsigned int column = 1;
-    for (const ResidencyFigure figure : figures) {
-        double shown = 0;
-        if (member.record != nullptr) shown = residencyOf_i(*member.record, tally, figure);
-        table.set(member.entity, column++, shown);
-    }
+    for (const ResidencyFigure figure : figures)
+        table.set(member.entity, column++, record != nullptr ? residencyOf_i(*record, value, figure) : 0.0);
 }
 
 // Rows are entities, each value has columns of its own: first all percentages, then all times. The cells of an entity
@@ -210,7 +169,7 @@ void TracedTransitionAccumulator::fillTransposedTable_i(SummaryTable& table, con
         for (const ResidencyFigure figure : figures) {
             if (member.record == nullptr) break;
             for (const Value& value : content.values) {
-                table.set(column++, residencyOf_i(*member.record, tallyOf_i(*member.record, value), figure));
+                table.set(column++, residencyOf_i(*member.record, value, figure));
             }
         }
         table.pushRow();
@@ -218,16 +177,10 @@ void TracedTransitionAccumulator::fillTransposedTable_i(SummaryTable& table, con
 }
 
 // The share of a value is that of its entity's own transitions: those of an entity add up to 100 %.
-double TracedTransitionAccumulator::residencyOf_i(const Record& record, const Tally& tally,
+double TracedTransitionAccumulator::residencyOf_i(const Record& record, const Value& value,
                                                   ResidencyFigure figure) const
 {
-    const pwr::Residency residency{static_cast<double>(tally.ticks), static_cast<double>(record.ticks)};
+    const pwr::Residency residency{static_cast<double>(record.tallies.of(value).time),
+                                   static_cast<double>(record.tallies.ofAll().time)};
     return pwr::residencyValue(figure, residency, m_clockMHz);
-}
-
-TracedTransitionAccumulator::Tally TracedTransitionAccumulator::tallyOf_i(const Record& record, const Value& value)
-{
-    if (!value.number.has_value()) return {};
-    const auto found = record.tallies.find(*value.number);
-    return found != record.tallies.end() ? found->second : Tally();
 }

@@ -12,7 +12,6 @@
 #include <list>
 #include <map>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace pwr {
@@ -33,16 +32,10 @@ public:
     explicit TracedTransitionAccumulator(const std::list<Summary>& summaries);
 
 private:
-    struct Tally {
-        std::uint64_t count = 0;
-        std::uint64_t ticks = 0;
-    };
-
     // The transitions of one entity and descriptor.
     struct Record {
         pwr::SeenValues* seen = nullptr;    // of the descriptor
-        std::uint64_t ticks = 0;
-        std::unordered_map<std::size_t, Tally> tallies;    // by the value's number among the seen ones
+        pwr::ValueTallies tallies;          // times in ticks
     };
 
     // What the table of one descriptor shows.
@@ -55,11 +48,10 @@ private:
         std::vector<Member> members;    // by entity id
     };
 
-    int processMessage_i(const pwr::Metric& metric) override;
+    void addElement_i(const pwr::DataElement& element) override;
     void announceTable_i(const pwr::Metric& metric, const std::string& tableType) const override;
     void makeTable_i(std::size_t summary, const pwr::TableRequest& request) override;
 
-    void addElement_i(const pwr::DataElement& element);
     std::vector<const pwr::DataDescriptor*> tableDescriptors_i(const pwr::Metric& metric);
     Content contentOf_i(const pwr::Metric& metric, const pwr::DataDescriptor* descriptor) const;
 
@@ -71,10 +63,8 @@ private:
                         const pwr::ResidencyFigures& figures) const;
     void fillTransposedTable_i(pwr::SummaryTable& table, const pwr::Metric& metric, const Content& content,
                                const pwr::ResidencyFigures& figures) const;
-    double residencyOf_i(const Record& record, const Tally& tally, pwr::ResidencyFigure figure) const;
-    static Tally tallyOf_i(const Record& record, const pwr::SeenValues::Entry& value);
+    double residencyOf_i(const Record& record, const pwr::SeenValues::Entry& value, pwr::ResidencyFigure figure) const;
 
-    pwr::DataType m_valueType = pwr::DataType::NONE;    // of the last value seen
     pwr::RecordsByKey<Record> m_records;
     std::map<std::uint64_t, pwr::SeenValues> m_seen;    // by descriptor id, 0 for none
     pwr::Participants m_participants;
