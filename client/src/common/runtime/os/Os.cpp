@@ -5,7 +5,7 @@ namespace pwr::os {
 Door& current()
 {
     static Door s_door{&systemFiles(),   &systemEnvironment(), &systemClocks(), &systemProcessor(),
-                       &systemConsole(), &systemErrorTexts(),  &systemMemory()};
+                       &systemConsole(), &systemErrorTexts(),  &systemMemory(), &systemThreads()};
     return s_door;
 }
 

@@ -7,6 +7,7 @@
 #include "runtime/os/Files.h"
 #include "runtime/os/Memory.h"
 #include "runtime/os/Processor.h"
+#include "runtime/os/Threads.h"
 
 namespace pwr::os {
 
@@ -22,6 +23,7 @@ struct Door {
     Console* console;
     ErrorTexts* errorTexts;
     Memory* memory;
+    Threads* threads;
 };
 
 Door& current();
