@@ -90,7 +90,11 @@ public:
     bool isCsFeatureEnabled() const;
     void setCsFeatureEnabled(bool enabled);
 
+    // The directory of the running program with a separator behind it; empty until it is set. Setting it also makes the
+    // system look there, and in its subfolder "plugins", for libraries that are loaded by name. When the program's path
+    // can't be told or has more than 259 bytes an error is logged and all stays as it was. The argument is not used.
     const std::string& getQuorvaneDirectory() const;
+    void setQuorvaneDirectory(const std::string& unused);
 
     const std::string& getResultFilePrefix() const;
     void setResultFilePrefix(const std::string& prefix);
@@ -130,6 +134,36 @@ public:
 
     // The last change to the normal state around `tsc`: tick of the event before it, and its own; (0, 0) for none.
     std::pair<unsigned long long, unsigned long long> getLastResetEvent(unsigned long long tsc) const;
+
+    // PMT endpoints and the platform names of their GUIDs. What is not known gives 0, null or nothing.
+    void addLoadedPMT(_qv_aggregator_info endpoint);
+    std::set<unsigned int> getLoadedPMTGUIDs();
+    unsigned short getLoadedPMTCollectionType(unsigned int guid);    // of its first endpoint
+    unsigned short getLoadedPMTNumberEndpoints(unsigned int guid);
+    unsigned short getLoadedPMTNumberEndpoints(const std::string& name);
+    std::vector<_qv_aggregator_info> getLoadedPMTEndpoints(unsigned int guid);
+    std::vector<_qv_aggregator_info> getLoadedPMTEndpoints(const std::string& name);
+
+    void addPMTPlatformGUID(std::string& name, unsigned int guid);
+    unsigned int getPMTPlatformGUID(const std::string& name);
+    unsigned int getPMTPlatformGUID(unsigned short deviceKey);
+    unsigned int getPMTPlatformGUID(_qv_aggregator_info* endpoint);
+    std::string getPMTPlatformName(unsigned int guid);    // an unknown GUID is remembered with an empty name
+
+    // The parsers belong to the host. A null one is ignored.
+    void setPMTXMLParser(unsigned int guid, XMLParser* parser);
+    XMLParser* getPMTXMLParser(unsigned int guid);
+
+    // The external performance library, Meridx. The host loads it and hands its handle over; it is in use while the
+    // configuration file's name is not empty. Each operation is false when it is not in use, lacks the function or
+    // answers other than 0.
+    void setMeridxDllHandle(void* handle);
+    void setMeridxConfigFileName(const std::string& fileName);
+
+    bool configureMeridx();    // a refused file is logged and takes the library out of use
+    bool getMeridxVersion(unsigned int* a, unsigned int* b, unsigned int* c);    // none is null
+    bool startMeridx();
+    bool stopMeridx();    // unloads the library whatever it answers: the next start needs a new handle
 
 private:
     unsigned int getCurrentSystemState(unsigned long long tsc) const;

@@ -2,7 +2,12 @@
 
 #include "metrics/ThermalSampleHandler.h"
 #include "output/WriterStream.h"
+#include "runtime/os/Os.h"
 #include "values/EntityHandle.h"
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
 
 WriterStream* QuorvaneHost::createWriterStream(const std::set<WriterPlugin*>& plugins)
 {
@@ -34,4 +39,12 @@ int QuorvaneHost::addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child)
 void QuorvaneHost::destroyThermalSampleHandler()
 {
     pwr::ThermalSampleHandler::destroy_i();
+}
+
+bool QuorvaneHost::setRegistryNumber(const std::string& key, const std::string& value, unsigned int number)
+{
+    const std::uint32_t stored = number;
+    std::vector<unsigned char> bytes(sizeof stored);
+    std::memcpy(bytes.data(), &stored, sizeof stored);
+    return pwr::os::current().registry->store(key, value, bytes);
 }

@@ -5,6 +5,7 @@
 #include "runtime/Export.h"
 
 #include <set>
+#include <string>
 
 class WriterPlugin;
 class WriterStream;
@@ -44,4 +45,8 @@ public:
     // Ends the shared temperature metric, if any plugin used it, before UniqueId::destroy() and the next run's get().
     // What was not released is not finalised.
     static void destroyThermalSampleHandler();
+
+    // Puts a number where Registry::RegReadDword() finds it, in place of one of the same name, on a system without a
+    // registry. False, with nothing changed, where the system has one. Before other threads read.
+    static bool setRegistryNumber(const std::string& key, const std::string& value, unsigned int number);
 };

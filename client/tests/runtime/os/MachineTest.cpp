@@ -78,6 +78,7 @@ TEST(MemoryTest, ReservedRangeIsUsableWhereItIsCommitted)
 class SpeechlessErrorTexts : public ErrorTexts {
 public:
     bool describeErrno(int, char*, std::size_t) override { return false; }
+    std::string describeCode(std::uint32_t) override { return ""; }
 };
 
 TEST(ErrorTextsTest, CodeWithoutTextIsTheEmptyTextAndAWarning)

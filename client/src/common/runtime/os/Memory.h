@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdlib>
 
 namespace pwr::os {
 
-// Ranges of addresses: reserved first, backed by memory piece by piece.
+// Ranges of addresses, reserved first and backed by memory piece by piece; and blocks of the heap, for callers that
+// answer for a missing one.
 class Memory {
 public:
     virtual ~Memory() = default;
@@ -15,6 +17,9 @@ public:
 
     // Puts memory behind a piece of a reserved range (page-aligned). False when there is none.
     virtual bool commit(void* start, std::size_t sizeBytes) = 0;
+
+    // A block that is released with std::free; null when there is no memory for it.
+    virtual void* allocate(std::size_t sizeBytes) { return std::malloc(sizeBytes); }
 };
 
 Memory& systemMemory();

@@ -4,8 +4,18 @@ namespace pwr::os {
 
 Door& current()
 {
-    static Door s_door{&systemFiles(),   &systemEnvironment(), &systemClocks(), &systemProcessor(),
-                       &systemConsole(), &systemErrorTexts(),  &systemMemory(), &systemThreads()};
+    static Door s_door{.files = &systemFiles(),
+                       .environment = &systemEnvironment(),
+                       .clocks = &systemClocks(),
+                       .processor = &systemProcessor(),
+                       .console = &systemConsole(),
+                       .errorTexts = &systemErrorTexts(),
+                       .memory = &systemMemory(),
+                       .threads = &systemThreads(),
+                       .libraries = &systemLibraries(),
+                       .registry = &systemRegistry(),
+                       .displays = &systemDisplays(),
+                       .fileVersions = &systemFileVersions()};
     return s_door;
 }
 

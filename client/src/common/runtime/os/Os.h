@@ -2,11 +2,15 @@
 
 #include "runtime/os/Clocks.h"
 #include "runtime/os/Console.h"
+#include "runtime/os/Displays.h"
 #include "runtime/os/Environment.h"
 #include "runtime/os/ErrorTexts.h"
+#include "runtime/os/FileVersions.h"
 #include "runtime/os/Files.h"
+#include "runtime/os/Libraries.h"
 #include "runtime/os/Memory.h"
 #include "runtime/os/Processor.h"
+#include "runtime/os/Registry.h"
 #include "runtime/os/Threads.h"
 
 namespace pwr::os {
@@ -24,6 +28,10 @@ struct Door {
     ErrorTexts* errorTexts;
     Memory* memory;
     Threads* threads;
+    Libraries* libraries;
+    Registry* registry;
+    Displays* displays;
+    FileVersions* fileVersions;
 };
 
 Door& current();

@@ -47,4 +47,12 @@ int windowsCode(int errnum)
     return found != std::end(CODES) ? found->windows : 31;
 }
 
+int errnoOf(std::uint32_t code)
+{
+    const auto* found = std::find_if(std::begin(CODES), std::end(CODES), [code](const CodePair& pair) {
+        return static_cast<std::uint32_t>(pair.windows) == code;
+    });
+    return found != std::end(CODES) ? found->errnum : 0;
+}
+
 }    // namespace pwr::os
