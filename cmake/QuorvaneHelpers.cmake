@@ -14,7 +14,7 @@ function(quorvane_use_objects target)
     target_include_directories(${target} PUBLIC $<TARGET_PROPERTY:quorvane_objects,INCLUDE_DIRECTORIES>)
     target_compile_definitions(${target} PUBLIC QUORVANE_STATIC_DEFINE)
     target_link_libraries(${target} PUBLIC nlohmann_json::nlohmann_json Threads::Threads ${CMAKE_DL_LIBS}
-        $<$<PLATFORM_ID:Windows>:version>)
+        $<$<PLATFORM_ID:Windows>:version> $<$<PLATFORM_ID:Windows>:tdh>)
     get_target_property(type ${target} TYPE)
     if(type STREQUAL EXECUTABLE)
         target_sources(${target} PRIVATE $<TARGET_OBJECTS:quorvane_objects>)

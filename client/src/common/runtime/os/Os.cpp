@@ -13,6 +13,7 @@ Door& current()
                        .memory = &systemMemory(),
                        .threads = &systemThreads(),
                        .libraries = &systemLibraries(),
+                       .tracing = &systemTracing(),
                        .registry = &systemRegistry(),
                        .displays = &systemDisplays(),
                        .fileVersions = &systemFileVersions()};

@@ -12,6 +12,7 @@
 #include "runtime/os/Processor.h"
 #include "runtime/os/Registry.h"
 #include "runtime/os/Threads.h"
+#include "runtime/os/Tracing.h"
 
 namespace pwr::os {
 
@@ -29,6 +30,7 @@ struct Door {
     Memory* memory;
     Threads* threads;
     Libraries* libraries;
+    Tracing* tracing;
     Registry* registry;
     Displays* displays;
     FileVersions* fileVersions;

@@ -32,6 +32,7 @@ constexpr CodeText CODE_TEXTS[] = {
     {2, "The system cannot find the file specified."},
     {3, "The system cannot find the path specified."},
     {5, "Access is denied."},
+    {6, "The handle is invalid."},
     {8, "Not enough memory is available to process this command."},
     {13, "The data is invalid."},
     {24, "The length given with the command is wrong."},
@@ -46,6 +47,9 @@ constexpr CodeText CODE_TEXTS[] = {
     {193, "The file is not a valid library."},
     {206, "The file name or extension is too long."},
     {234, "More data is available."},
+    {534, "An arithmetic result exceeded 32 bits."},
+    {1223, "The operation was canceled."},
+    {1392, "The file is damaged and can't be read."},
     {1450, "Insufficient system resources exist to complete the requested service."},
     {4201, "The instance name passed was not recognized as valid."},
 };

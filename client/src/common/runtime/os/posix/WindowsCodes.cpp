@@ -24,6 +24,7 @@ constexpr CodePair CODES[] = {
     {EISDIR, 5},            //
     {EBADF, 6},             // invalid handle
     {ENOMEM, 8},            // not enough memory
+    {EBADMSG, 13},          // invalid data
     {EROFS, 19},            // write protected
     {EBUSY, 32},            // in use by another
     {ETXTBSY, 32},          //
@@ -36,6 +37,8 @@ constexpr CodePair CODES[] = {
     {EFBIG, 112},           //
     {EEXIST, 183},          // exists already
     {ENAMETOOLONG, 206},    // name too long
+    {ECANCELED, 1223},      // cancelled
+    {EUCLEAN, 1392},        // file corrupt
 };
 
 }    // namespace
