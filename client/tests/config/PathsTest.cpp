@@ -27,6 +27,7 @@ public:
         buffer[0] = '\0';
         return false;
     }
+    std::string describeCode(std::uint32_t) override { return {}; }
 };
 
 class OneVariable : public os::Environment {
