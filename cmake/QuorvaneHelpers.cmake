@@ -8,6 +8,17 @@ function(quorvane_warnings target)
     endif()
 endfunction()
 
+# Release builds of one commit are the same bytes wherever and whenever they are made.
+macro(quorvane_reproducible)
+    if(PROJECT_IS_TOP_LEVEL)
+        add_compile_options($<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
+        set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+        if(WIN32)
+            add_link_options(-Wl,--no-insert-timestamp)
+        endif()
+    endif()
+endmacro()
+
 # What a target needs to see the library's headers, internal ones among them, and to take its symbols from the objects
 # instead of the shared library. The objects themselves are linked by programs only, or they would come twice.
 function(quorvane_use_objects target)

@@ -16,7 +16,7 @@ const std::string OUTPUT_CONFIG = "output.conf";
 
 std::vector<std::string> ownFolders(const std::string& programFolder)
 {
-    return {QUORVANE_HOST_CONFIG_DIR "/", programFolder + "config/", programFolder};
+    return {programFolder + "config/", programFolder};
 }
 
 bool isSameFile(const fs::path& a, const std::string& b)

@@ -5,8 +5,8 @@
 
 namespace host {
 
-// Where the host's own files stand: in the sources, else in `config` beside the program (whose folder ends in a
-// separator), else beside the program itself.
+// Where the host's own files stand: in `config` beside the program (whose folder ends in a separator), else beside the
+// program itself.
 
 // The host's own output configuration. Empty when it is nowhere.
 std::string findOutputConfig(const std::string& programFolder);

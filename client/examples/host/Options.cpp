@@ -76,6 +76,8 @@ const Row ROWS[] = {
      setText<&Options::outputConfig>},
     {"--sysroot", "DIR", "a folder", "measure the machine whose files stand below DIR; default: this machine",
      setText<&Options::sysroot>},
+    {"--plugin-dir", "DIR", "a folder",
+     "load the plugin modules of DIR, beside those of the folder plugins at the program", setText<&Options::pluginDir>},
     {"--list", nullptr, nullptr, "say which features this machine offers, and why others are not",
      setFlag<&Options::list>},
     {"--help", nullptr, nullptr, "print this", setFlag<&Options::help>},

@@ -14,6 +14,7 @@ struct Options {
     std::string config;          // folder of the collector configuration; empty: the host's own
     std::string outputConfig;    // empty: the host's own
     std::string sysroot;         // empty: this machine
+    std::string pluginDir;       // folder with more modules than those beside the program; empty: none
     bool list = false;
     bool help = false;
 };

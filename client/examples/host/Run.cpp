@@ -5,6 +5,8 @@
 #include "Platforms.h"
 #include "ProgramRecord.h"
 #include "Progress.h"
+#include "modules/ModuleFeature.h"
+#include "system/ProgramFolder.h"
 #include "system/System.h"
 #include "writers/ConsoleWriter.h"
 #include "writers/CsvWriter.h"
@@ -25,14 +27,17 @@
 namespace host {
 
 Run::Run(const Options& options, const std::vector<std::string>& arguments, const Console& console)
-    : m_options(options), m_arguments(arguments), m_console(console), m_startTimeval(pwr::QVNanoClock().getTimestamp())
+    : m_options(options), m_arguments(arguments), m_console(console), m_startTimeval(pwr::QVNanoClock().getTimestamp()),
+      m_modules([this](const std::string& line) { say_i(line); })
 {
 }
 
-// The configuration goes before the collector that serves it.
+// The configuration goes before the collectors that serve it, features before the modules that they are of.
 Run::~Run()
 {
     pwr::QVConfigFileParser::instance()->destroy();
+    m_features.clear();
+    m_modules.destroyPlugins();
 }
 
 int Run::execute()
@@ -46,12 +51,29 @@ int Run::execute()
     m_machine = openMachine(m_options.sysroot);
     m_collector = m_machine->makeCollector(m_session->getClock());
     enroll(*m_collector, m_record);
+    if (!loadModules_i()) return EXIT_RUN;
     describe_i();
     if (!loadCollectorConfig_i()) return EXIT_RUN;
     openFeatures_i();
     if (m_options.list) return list_i();
     const int status = chooseFeatures_i();
     return status == EXIT_GOOD ? collect_i() : status;
+}
+
+// Those beside the program, which may be none, and those of the folder that was asked for.
+bool Run::loadModules_i()
+{
+    m_session->getEnvironment().setResultFilePrefix(m_options.output);
+    const std::string program = programFolder();
+    if (!program.empty()) m_modules.load(program + "plugins");    // never from wherever the user happens to stand
+    if (!m_options.pluginDir.empty() && !m_modules.load(m_options.pluginDir)) {
+        fail_i(EXIT_RUN, "there is no folder " + m_options.pluginDir + ": give --plugin-dir one that holds modules");
+        return false;
+    }
+    for (CollectorPlugin* collector : m_modules.getCollectors())
+        enroll(*collector, m_record);
+    m_collectors = std::make_unique<CollectorTeam>(*m_collector, m_modules.getCollectors(), m_record);
+    return true;
 }
 
 // A machine without processors may still be listed.
@@ -67,7 +89,8 @@ bool Run::loadCollectorConfig_i()
 {
     std::vector<std::string> files;
     if (!listConfigFiles_i(files)) return false;
-    if (pwr::QVConfigFileParser::instance()->parse(files, {m_collector.get()}, m_record) == 0) return true;
+    files.insert(files.end(), m_modules.getConfigFiles().begin(), m_modules.getConfigFiles().end());
+    if (pwr::QVConfigFileParser::instance()->parse(files, m_collectors->getMembers(), m_record) == 0) return true;
     fail_i(EXIT_RUN, std::filesystem::path(files.front()).parent_path().string() +
                          " holds no good collector configuration: the lines before say where");
     return false;
@@ -81,8 +104,7 @@ bool Run::listConfigFiles_i(std::vector<std::string>& files) const
         fail_i(EXIT_RUN, "there is no folder " + m_options.config + ": give --config one that holds *.conf files");
         return false;
     }
-    const std::string& program = m_session->getEnvironment().getQuorvaneDirectory();
-    const std::string folder = isGiven ? m_options.config : findCollectorConfig(program);
+    const std::string folder = isGiven ? m_options.config : findCollectorConfig(programFolder());
     files = listCollectorConfig(folder, m_options.outputConfig);
     if (!files.empty()) return true;
     fail_i(EXIT_RUN, isGiven ? folder + " holds no collector configuration: give --config a folder with *.conf files"
@@ -95,6 +117,7 @@ void Run::openFeatures_i()
     const std::string platforms = choosePlatforms(m_record);
     m_params = {{SourceRequirement::PLATFORMS, platforms}};
     m_features = makeFeatures(platforms);
+    addModuleFeatures(m_features, m_modules, platforms);
     for (const Feature& feature : m_features)
         enroll(feature.getPlugin(), m_record);
 }
@@ -131,7 +154,7 @@ void Run::takeRemarks_i()
             plugin.getDynamicHelpDisplayType(plugin.getName(), m_params, m_record) == QVDynamicHelpType::MESSAGES;
         if (isUsable) plugins.push_back(&plugin);
     }
-    Collection(m_record, *m_collector, plugins).begin(m_params);
+    Collection(m_record, *m_collectors, plugins).begin(m_params);
 }
 
 int Run::chooseFeatures_i()
@@ -195,8 +218,7 @@ int Run::collect_i()
 bool Run::loadOutputConfig_i()
 {
     const bool isGiven = !m_options.outputConfig.empty();
-    const std::string& folder = m_session->getEnvironment().getQuorvaneDirectory();
-    const std::string path = isGiven ? m_options.outputConfig : findOutputConfig(folder);
+    const std::string path = isGiven ? m_options.outputConfig : findOutputConfig(programFolder());
     if (isGiven && !isReadableFile(path)) {
         fail_i(EXIT_RUN, path + " can't be read: give --output-config a file");
         return false;
@@ -230,10 +252,11 @@ int Run::measure_i(CsvWriter& csv)
     if (!m_options.output.empty()) stream.addWriter(csv);
     for (WriterPlugin* writer : std::initializer_list<WriterPlugin*>{&counter, &tables, &csv})
         enroll(*writer, m_record);
+    addModuleWriters_i(stream);
     if (!stream.open(m_session->getEnvironment(), m_record))
         return fail_i(EXIT_RUN, "the writers could not be reached");
 
-    Collection collection(m_record, *m_collector, m_chosen);
+    Collection collection(m_record, *m_collectors, m_chosen);
     StopSignal stop;    // until all is written
     Progress progress(m_console.errors, m_console.showsProgress);
     if (!begin_i(collection)) return EXIT_RUN;
@@ -243,6 +266,18 @@ int Run::measure_i(CsvWriter& csv)
     m_record.programStopTimeval = pwr::QVNanoClock().getTimestamp();
     stream.close();
     return report_i(failed, collection, counter, csv);
+}
+
+void Run::addModuleWriters_i(OutputStream& stream)
+{
+    for (WriterPlugin* writer : m_modules.getWriters()) {
+        enroll(*writer, m_record);
+        if (writer->openOutput() == 0) {
+            stream.addWriter(*writer);
+        } else {
+            say_i("the writer " + writer->getUUID() + " is left out: it could not open its output");
+        }
+    }
 }
 
 bool Run::begin_i(Collection& collection) const

@@ -6,6 +6,8 @@
 #include "collector/Collector.h"
 #include "features/Features.h"
 #include "machine/Machine.h"
+#include "modules/CollectorTeam.h"
+#include "modules/Modules.h"
 
 #include "record/SystemMetadata.h"
 
@@ -28,6 +30,7 @@ public:
     int execute();    // an exit status
 
 private:
+    bool loadModules_i();
     void describe_i();
     bool loadCollectorConfig_i();
     bool listConfigFiles_i(std::vector<std::string>& files) const;
@@ -39,6 +42,7 @@ private:
     bool choose_i(const Feature& feature);
     int collect_i();
     bool loadOutputConfig_i();
+    void addModuleWriters_i(OutputStream& stream);
     void orderFeatures_i();
     int measure_i(CsvWriter& csv);
     bool begin_i(Collection& collection) const;
@@ -53,13 +57,16 @@ private:
     Console m_console;
     std::uint64_t m_startTimeval = 0;
     std::unique_ptr<Machine> m_machine;
+    // The code of modules stays until the session has ended.
+    Modules m_modules;
     // The session ends last: record, plugins, metrics and writers live in it.
     std::unique_ptr<Session> m_session;
     pwr::SystemMetadata m_record;
     bool m_isDescribed = false;
     std::vector<std::string> m_remarks;    // on the machine
     std::unique_ptr<Collector> m_collector;
-    Plugin::Params m_params;    // for the plugins
+    std::unique_ptr<CollectorTeam> m_collectors;    // that one and those of modules
+    Plugin::Params m_params;                        // for the plugins
     std::vector<Feature> m_features;
     std::vector<FeaturePlugin*> m_chosen;
 };

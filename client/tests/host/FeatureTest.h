@@ -10,6 +10,7 @@
 #include "features/FeaturePlugin.h"
 #include "machine/Machine.h"
 #include "support/TestSession.h"
+#include "system/ProgramFolder.h"
 
 #include "config/qv_configfile_parser.h"
 #include "plugins/QuorvaneHost.h"
@@ -42,7 +43,7 @@ public:
         std::vector<std::string> remarks;
         ASSERT_TRUE(host::openMachine(tree.root())->describe(record, remarks));
         record.qvaClockFreqMHz = 1000;
-        const auto files = host::listCollectorConfig(host::findCollectorConfig(""), "");
+        const auto files = host::listCollectorConfig(host::findCollectorConfig(host::programFolder()), "");
         ASSERT_EQ(0, pwr::QVConfigFileParser::instance()->parse(files, {collector.get()}, record));
         params = {{host::SourceRequirement::PLATFORMS, host::choosePlatforms(record)}};
     }

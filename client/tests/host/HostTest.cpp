@@ -2,6 +2,7 @@
 #include "Host.h"
 #include "TreeCopy.h"
 #include "support/LogCapture.h"
+#include "system/ProgramFolder.h"
 
 #include "config/OutputConfig.h"
 #include "record/SystemMetadata.h"
@@ -54,7 +55,7 @@ TEST_F(HostTest, HelpAndBadArguments)
 {
     EXPECT_EQ(0, run({"--help"}));
     for (const char* name : {"--feature NAME", "--time SECONDS", "--interval MS", "--output PREFIX", "--config DIR",
-                             "--output-config FILE", "--sysroot DIR", "--list", "--help"}) {
+                             "--output-config FILE", "--sysroot DIR", "--plugin-dir DIR", "--list", "--help"}) {
         EXPECT_NE(std::string::npos, out.str().find(name)) << name;
     }
     EXPECT_EQ("", errors.str());
@@ -327,7 +328,7 @@ TEST_F(HostTest, EachKindOfMetricHasItsTables)
 TEST_F(HostTest, TheOwnOutputConfigurationIsFoundAndGood)
 {
     test::LogCapture log(2);
-    const std::string own = host::findOutputConfig("");
+    const std::string own = host::findOutputConfig(host::programFolder());
     ASSERT_TRUE(own.ends_with("output.conf")) << own;
     auto* parser = pwr::WriterInterfaceConfigFileParser::instance();
     EXPECT_EQ(0, parser->parse({own}, pwr::SystemMetadata()));

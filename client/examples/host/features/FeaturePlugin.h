@@ -102,6 +102,8 @@ protected:
     void remark_i(const std::string& text) { m_remarks.push_back(text); }
     void remarkLeftOut_i(const std::string& what, const Source& source, const RecordItem& item);
 
+    void countForeignSample_i() { ++m_samples; }    // one that was handed in to a metric of someone else
+
     // `duration` in ticks, see pwr::Metric::setData.
     template <typename T>
     void handIn_i(unsigned long long tsc, const pwr::EntityHandle* entity, const pwr::DataDescriptor* descriptor,

@@ -1,0 +1,12 @@
+# cmake -P packaging/CheckPort.cmake: runs the port's file with operations of vcpkg that only note their calls.
+set(CURRENT_PORT_DIR ${CMAKE_CURRENT_LIST_DIR}/vcpkg/quorvane-common)
+set(CURRENT_PACKAGES_DIR $ENV{PORT_WORK})
+set(PORT quorvane-common)
+foreach(operation IN ITEMS vcpkg_cmake_configure vcpkg_cmake_install vcpkg_cmake_config_fixup vcpkg_fixup_pkgconfig)
+    cmake_language(EVAL CODE "macro(${operation})\n list(APPEND called ${operation})\nendmacro()")
+endforeach()
+include(${CURRENT_PORT_DIR}/portfile.cmake)
+list(LENGTH called count)
+if(NOT count EQUAL 4 OR NOT EXISTS ${SOURCE_PATH}/CMakeLists.txt)
+    message(FATAL_ERROR "the port's file leaves out a step (${called}) or names other sources (${SOURCE_PATH})")
+endif()
