@@ -48,7 +48,8 @@ bool Collection::prepare_i(FeaturePlugin& plugin)
     return result == 0;
 }
 
-void Collection::run(double seconds, unsigned int intervalMs, StopSignal& stop, Progress& progress)
+void Collection::run(double seconds, unsigned int intervalMs, StopSignal& stop, Progress& progress,
+                     const std::function<void()>& afterRound)
 {
     using std::chrono::duration;
     using std::chrono::steady_clock;
@@ -65,6 +66,7 @@ void Collection::run(double seconds, unsigned int intervalMs, StopSignal& stop, 
         next = std::min(next, end);
         isOver = stop.waitUntil(next) || next == end;
         takeRound();
+        if (afterRound) afterRound();
         progress.show(duration<double>(steady_clock::now() - start).count(), seconds, getSamples());
     }
     progress.wipe();

@@ -6,6 +6,7 @@
 #include "plugins/CollectorPlugin.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -34,8 +35,10 @@ public:
     const Plugin* begin(const Params& params);
 
     // Takes a round each `intervalMs` until the time is over or a signal came, and one more at that moment. A round
-    // that comes too late for its moment makes the next one not come sooner.
-    void run(double seconds, unsigned int intervalMs, StopSignal& stop, Progress& progress);
+    // that comes too late for its moment makes the next one not come sooner. Calls `afterRound` (may be empty) behind
+    // each.
+    void run(double seconds, unsigned int intervalMs, StopSignal& stop, Progress& progress,
+             const std::function<void()>& afterRound = {});
 
     // One round now. False without one, when the clock has not moved on since the last.
     bool takeRound();

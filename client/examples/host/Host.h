@@ -11,6 +11,7 @@ struct Console {
     std::ostream& out;
     std::ostream& errors;
     bool showsProgress = false;    // on `errors`
+    bool usesColour = false;       // there
 };
 
 constexpr int EXIT_GOOD = 0;

@@ -28,6 +28,19 @@ bool addFeature(Options& options, const std::string& value)
     return !value.empty();
 }
 
+bool addResults(Options& options, const std::string& value)
+{
+    std::vector<std::string>& names = options.results;
+    for (std::size_t begin = 0; begin <= value.size();) {
+        const std::size_t end = std::min(value.find(',', begin), value.size());
+        const std::string name = value.substr(begin, end - begin);
+        if (name.empty()) return false;
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+        begin = end + 1;
+    }
+    return true;
+}
+
 bool setTime(Options& options, const std::string& value)
 {
     return parseNumber(value, options.seconds) && std::isfinite(options.seconds) && options.seconds > 0 &&
@@ -68,7 +81,11 @@ const Row ROWS[] = {
     {"--interval", "MS", "a whole number of milliseconds from 1 to 60000", "time between two samples; default: 100",
      setInterval},
     {"--output", "PREFIX", "the beginning of the files' names",
-     "write PREFIX_summary.csv and one timeline PREFIX_<metric>.csv for each metric", setText<&Options::output>},
+     "write result files: PREFIX_summary.csv and one timeline PREFIX_<metric>.csv for each metric, or what --result "
+     "names",
+     setText<&Options::output>},
+    {"--result", "NAME[,NAME]...", "csv, jsonl, trace, html or prom, with a comma between two",
+     "what --output writes: csv, jsonl, trace, html, prom; default: csv", addResults},
     {"--config", "DIR", "a folder",
      "what is collected, and how: all *.conf files of the folder, instead of the host's own",
      setText<&Options::config>},
@@ -78,6 +95,7 @@ const Row ROWS[] = {
      setText<&Options::sysroot>},
     {"--plugin-dir", "DIR", "a folder",
      "load the plugin modules of DIR, beside those of the folder plugins at the program", setText<&Options::pluginDir>},
+    {"--quiet", nullptr, nullptr, "show no progress on the terminal", setFlag<&Options::quiet>},
     {"--list", nullptr, nullptr, "say which features this machine offers, and why others are not",
      setFlag<&Options::list>},
     {"--help", nullptr, nullptr, "print this", setFlag<&Options::help>},

@@ -19,7 +19,7 @@ void Progress::show(double elapsedSeconds, double totalSeconds, std::uint64_t sa
     const std::size_t length = text.size();
     text.resize(length < m_shown ? m_shown : length, ' ');
     m_shown = length;
-    m_out << '\r' << text << std::flush;
+    m_out << '\r' << (m_usesColour ? "\033[36m" : "") << text << (m_usesColour ? "\033[0m" : "") << std::flush;
 }
 
 void Progress::wipe()

@@ -10,8 +10,11 @@ namespace host {
 // One line on a terminal that tells how far the collection is, written anew some times a second and wiped at the end.
 class Progress {
 public:
-    // Silent when not `enabled`.
-    Progress(std::ostream& out, bool enabled) : m_out(out), m_isEnabled(enabled) {}
+    // Silent when not `enabled`; colours are escape sequences.
+    Progress(std::ostream& out, bool enabled, bool usesColour = false)
+        : m_out(out), m_isEnabled(enabled), m_usesColour(usesColour)
+    {
+    }
     ~Progress() { wipe(); }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -22,6 +25,7 @@ public:
 private:
     std::ostream& m_out;
     bool m_isEnabled;
+    bool m_usesColour;
     std::size_t m_shown = 0;    // characters on the line
     std::chrono::steady_clock::time_point m_next{};
 };

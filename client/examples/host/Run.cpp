@@ -9,8 +9,8 @@
 #include "system/ProgramFolder.h"
 #include "system/System.h"
 #include "writers/ConsoleWriter.h"
-#include "writers/CsvWriter.h"
 #include "writers/PointCounter.h"
+#include "writers/Results.h"
 
 #include "config/OutputConfig.h"
 #include "config/qv_configfile_parser.h"
@@ -208,11 +208,25 @@ int Run::collect_i()
     }
     if (!loadOutputConfig_i()) return EXIT_RUN;
     orderFeatures_i();
-    CsvWriter csv(m_options.output);
-    if (!m_options.output.empty() && csv.openOutput() != 0) {
-        return fail_i(EXIT_RUN, csv.getError() + ": give --output a prefix that can be written");
+    Results results;
+    const int status = openResults_i(results);
+    return status == EXIT_GOOD ? measure_i(results) : status;
+}
+
+int Run::openResults_i(Results& results) const
+{
+    const std::vector<std::string> names =
+        m_options.results.empty() ? std::vector<std::string>{"csv"} : m_options.results;
+    if (m_options.output.empty() && m_options.results.empty()) return EXIT_GOOD;
+    if (!results.add(names, m_options.output)) {
+        std::string known;
+        for (const std::string& name : resultNames())
+            known += (known.empty() ? "" : ", ") + name;
+        return fail_i(EXIT_USAGE, "there is no result '" + results.getUnknown() + "': give --result some of " + known);
     }
-    return measure_i(csv);
+    if (m_options.output.empty()) return fail_i(EXIT_USAGE, "--result writes files: give --output a prefix for them");
+    if (results.open()) return EXIT_GOOD;
+    return fail_i(EXIT_RUN, results.getError() + ": give --output a prefix that can be written");
 }
 
 bool Run::loadOutputConfig_i()
@@ -242,30 +256,33 @@ void Run::orderFeatures_i()
                      [&rank](const FeaturePlugin* a, const FeaturePlugin* b) { return rank(a) < rank(b); });
 }
 
-int Run::measure_i(CsvWriter& csv)
+int Run::measure_i(const Results& results)
 {
     ConsoleWriter tables(m_console.out);
     PointCounter counter;
     OutputStream stream;
     stream.addWriter(counter);
     stream.addWriter(tables);
-    if (!m_options.output.empty()) stream.addWriter(csv);
-    for (WriterPlugin* writer : std::initializer_list<WriterPlugin*>{&counter, &tables, &csv})
+    for (WriterPlugin* writer : std::initializer_list<WriterPlugin*>{&counter, &tables})
         enroll(*writer, m_record);
+    for (const auto& writer : results.getWriters()) {
+        stream.addWriter(*writer);
+        enroll(*writer, m_record);
+    }
     addModuleWriters_i(stream);
     if (!stream.open(m_session->getEnvironment(), m_record))
         return fail_i(EXIT_RUN, "the writers could not be reached");
 
     Collection collection(m_record, *m_collectors, m_chosen);
     StopSignal stop;    // until all is written
-    Progress progress(m_console.errors, m_console.showsProgress);
+    Progress progress(m_console.errors, m_console.showsProgress && !m_options.quiet, m_console.usesColour);
     if (!begin_i(collection)) return EXIT_RUN;
-    collection.run(m_options.seconds, m_options.intervalMs, stop, progress);
+    collection.run(m_options.seconds, m_options.intervalMs, stop, progress, [&] { stream.flush(m_record); });
     const std::vector<const FeaturePlugin*> failed = collection.end();
     m_record.samplesDropped = collection.getDroppedPoints(counter);
     m_record.programStopTimeval = pwr::QVNanoClock().getTimestamp();
     stream.close();
-    return report_i(failed, collection, counter, csv);
+    return report_i(failed, collection, counter, results);
 }
 
 void Run::addModuleWriters_i(OutputStream& stream)
@@ -294,10 +311,10 @@ bool Run::begin_i(Collection& collection) const
 }
 
 int Run::report_i(const std::vector<const FeaturePlugin*>& failed, const Collection& collection,
-                  const PointCounter& counter, const CsvWriter& csv)
+                  const PointCounter& counter, const Results& results)
 {
     std::string files;
-    for (const std::string& file : csv.getFiles())
+    for (const std::string& file : results.getFiles())
         files += (files.empty() ? ", files: " : ", ") + file;
     m_console.out << '\n'
                   << collection.getSamples() << " samples, " << collection.getDroppedPoints(counter)
@@ -308,7 +325,7 @@ int Run::report_i(const std::vector<const FeaturePlugin*>& failed, const Collect
     if (collection.getFailedRecords() > 0) {
         return fail_i(EXIT_RUN, std::to_string(collection.getFailedRecords()) + " records could not be processed");
     }
-    if (!csv.getError().empty()) return fail_i(EXIT_RUN, csv.getError() + ": the files are not complete");
+    if (!results.getError().empty()) return fail_i(EXIT_RUN, results.getError() + ": the files are not complete");
     return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the tables could not be printed");
 }
 

@@ -17,8 +17,8 @@
 namespace host {
 
 class Collection;
-class CsvWriter;
 class PointCounter;
+class Results;
 
 // One run of the host: describes the machine, loads the configuration, chooses features, collects, and reports. Each
 // step that fails has told the user why. Used once.
@@ -44,10 +44,11 @@ private:
     bool loadOutputConfig_i();
     void addModuleWriters_i(OutputStream& stream);
     void orderFeatures_i();
-    int measure_i(CsvWriter& csv);
+    int openResults_i(Results& results) const;
+    int measure_i(const Results& results);
     bool begin_i(Collection& collection) const;
     int report_i(const std::vector<const FeaturePlugin*>& failed, const Collection& collection,
-                 const PointCounter& counter, const CsvWriter& csv);
+                 const PointCounter& counter, const Results& results);
     bool remarkOnFailures_i(const std::vector<const FeaturePlugin*>& failed) const;
     int fail_i(int status, const std::string& text) const;
     void say_i(const std::string& text) const;

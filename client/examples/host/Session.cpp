@@ -73,6 +73,12 @@ void OutputStream::tellTableClasses_i()
     }
 }
 
+void OutputStream::flush(const pwr::SystemMetadata& record) const
+{
+    for (WriterPlugin* writer : m_writers)
+        writer->flushContinuousResults(record);
+}
+
 void OutputStream::close()
 {
     QuorvaneHost::destroyThermalSampleHandler();

@@ -71,6 +71,9 @@ public:
 
     // Announces all that is known so far, and the record, to the writers, and the tables that they want to producers.
     bool open(PluginEnvironment& environment, pwr::SystemMetadata& record);
+
+    // Tells the writers that a round is over, so that those which show results while they come may do so.
+    void flush(const pwr::SystemMetadata& record) const;
     void close();
 
 private:

@@ -7,5 +7,6 @@
 int main(int argc, char** argv)
 {
     const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-    return host::runHost(arguments, {std::cout, std::cerr, host::isErrorStreamTerminal()});
+    return host::runHost(arguments,
+                         {std::cout, std::cerr, host::isErrorStreamTerminal(), host::isErrorStreamColoured()});
 }

@@ -55,7 +55,8 @@ TEST_F(HostTest, HelpAndBadArguments)
 {
     EXPECT_EQ(0, run({"--help"}));
     for (const char* name : {"--feature NAME", "--time SECONDS", "--interval MS", "--output PREFIX", "--config DIR",
-                             "--output-config FILE", "--sysroot DIR", "--plugin-dir DIR", "--list", "--help"}) {
+                             "--output-config FILE", "--sysroot DIR", "--plugin-dir DIR", "--result NAME[,NAME]...",
+                             "--quiet", "--list", "--help"}) {
         EXPECT_NE(std::string::npos, out.str().find(name)) << name;
     }
     EXPECT_EQ("", errors.str());
@@ -127,6 +128,10 @@ TEST_F(HostTest, WhatCanNotBeMeasuredIsOneLineAndAStatus)
          1,
          tree.root() + "/etc holds no collector configuration: give --config a folder with *.conf files"},
         {{"--output-config", path("none.conf")}, 1, path("none.conf") + " can't be read: give --output-config a file"},
+        {{"--result", "csv,pdf", "--output", path("run")},
+         2,
+         "there is no result 'pdf': give --result some of csv, jsonl, trace, html, prom"},
+        {{"--result", "html"}, 2, "--result writes files: give --output a prefix for them"},
         {{"--output-config", tree.root()}, 1, tree.root() + " can't be read: give --output-config a file"},
     };
     for (const auto& c : cases) {
@@ -278,7 +283,7 @@ TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
               last);
     const std::string timeline = test::contentOf(path("deep/run_cpu-idle-states.csv"));
     EXPECT_EQ(1 + samples / 16 * 15, lines(timeline));
-    EXPECT_TRUE(timeline.starts_with("Time (s),Entity,Descriptor,Residency (ms),Duration (s)\n0."));
+    EXPECT_TRUE(timeline.starts_with("Time (s),Time (UTC),Entity,Descriptor,Residency (ms),Duration (s)\n0."));
     EXPECT_EQ(nullptr, g_pluginEnvironment);
 }
 
@@ -390,6 +395,36 @@ private:
     }
     bool m_isDone = false;
 };
+
+TEST_F(HostTest, EachResultIsWrittenFromTheSameRun)
+{
+    const test::TreeCopy tree("four-cores");
+    EXPECT_EQ(0, measure(tree, {"--result", "prom,html", "--result", "trace,jsonl", "--output", path("run"),
+                                "--feature", "temperature"}));
+    EXPECT_NE(std::string::npos, out.str().find(" samples, 0 dropped points, files: " + path("run.jsonl, ") +
+                                                path("run.trace.json, ") + path("run.html, ") + path("run.prom\n")))
+        << out.str();
+    EXPECT_FALSE(fs::exists(path("run_summary.csv")));
+    EXPECT_NE(std::string::npos, test::contentOf(path("run.jsonl")).find("\"entity\":\"board\",\"entityId\":"));
+    EXPECT_NE(std::string::npos, test::contentOf(path("run.trace.json")).find("{\"Temperature (oC)\":28}"));
+    EXPECT_NE(std::string::npos, test::contentOf(path("run.html")).find("<td>board</td><td class=\"n\">28</td>"));
+    EXPECT_NE(std::string::npos,
+              test::contentOf(path("run.prom")).find("\nquorvane_temperature_metrics_celsius{entity=\"board\"} 28\n"));
+}
+
+TEST_F(HostTest, QuietShowsNoProgressOnATerminal)
+{
+    const test::TreeCopy tree("four-cores");
+    const Arguments arguments{"--sysroot",  tree.root(), "--time",    "0.1",
+                              "--interval", "20",        "--feature", "temperature"};
+    for (const bool isQuiet : {false, true}) {
+        Arguments all = arguments;
+        if (isQuiet) all.push_back("--quiet");
+        std::ostringstream terminal;
+        EXPECT_EQ(0, host::runHost(all, {out, terminal, true}));
+        EXPECT_EQ(isQuiet, terminal.str().empty()) << terminal.str();
+    }
+}
 
 TEST_F(HostTest, AnInterruptEndsTheCollectionAndAllIsWritten)
 {

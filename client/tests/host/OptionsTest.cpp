@@ -15,7 +15,8 @@ TEST(OptionsTest, DefaultsMeasureEverythingForThreeSeconds)
     EXPECT_EQ(3.0, options.seconds);
     EXPECT_EQ(100u, options.intervalMs);
     EXPECT_EQ("", options.output + options.config + options.outputConfig + options.sysroot);
-    EXPECT_FALSE(options.list || options.help);
+    EXPECT_TRUE(options.results.empty());
+    EXPECT_FALSE(options.list || options.help || options.quiet);
 }
 
 TEST(OptionsTest, EveryOptionIsTakenAndTheLastOfAKindWins)
@@ -25,7 +26,8 @@ TEST(OptionsTest, EveryOptionIsTakenAndTheLastOfAKindWins)
     ASSERT_TRUE(host::parseOptions({"--feature", "cpu-load", "--feature",       "cpu-idle", "--feature",  "cpu-load",
                                     "--time",    "9",        "--time",          "0.25",     "--interval", "60000",
                                     "--output",  "--odd",    "--output-config", "a.conf",   "--sysroot",  "/tree",
-                                    "--config",  "conf.d",   "--list",          "--help"},
+                                    "--config",  "conf.d",   "--list",          "--help",   "--result",   "html,csv",
+                                    "--result",  "csv,prom", "--quiet"},
                                    options, error))
         << error;
     EXPECT_EQ((std::vector<std::string>{"cpu-load", "cpu-idle"}), options.features);
@@ -35,6 +37,8 @@ TEST(OptionsTest, EveryOptionIsTakenAndTheLastOfAKindWins)
     EXPECT_EQ("a.conf", options.outputConfig);
     EXPECT_EQ("/tree", options.sysroot);
     EXPECT_EQ("conf.d", options.config);
+    EXPECT_EQ((std::vector<std::string>{"html", "csv", "prom"}), options.results);
+    EXPECT_TRUE(options.quiet);
     EXPECT_TRUE(options.list);
     EXPECT_TRUE(options.help);
 }
@@ -43,6 +47,7 @@ TEST(OptionsTest, BadArgumentsGiveOneLineThatSaysWhatToDo)
 {
     const std::string time = ": give a number of seconds above 0 and up to 1000000";
     const std::string interval = ": give a whole number of milliseconds from 1 to 60000";
+    const std::string result = ": give csv, jsonl, trace, html or prom, with a comma between two";
     const struct {
         std::vector<std::string> arguments;
         std::string error;
@@ -67,6 +72,9 @@ TEST(OptionsTest, BadArgumentsGiveOneLineThatSaysWhatToDo)
         {{"--interval", "99999999999999999999"}, "--interval can't take '99999999999999999999'" + interval},
         {{"--feature", ""}, "--feature can't take '': give the name of a feature"},
         {{"--config", ""}, "--config can't take '': give a folder"},
+        {{"--result", ""}, "--result can't take ''" + result},
+        {{"--result", "csv,,html"}, "--result can't take 'csv,,html'" + result},
+        {{"--result", "csv,"}, "--result can't take 'csv,'" + result},
         {{"--output", ""}, "--output can't take '': give the beginning of the files' names"},
     };
     for (const auto& c : cases) {

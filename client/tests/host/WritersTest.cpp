@@ -25,25 +25,6 @@ namespace {
 using host::CsvFile;
 namespace fs = std::filesystem;
 
-TEST(CsvFileTest, CellsAreQuotedWhereTheyMust)
-{
-    const struct {
-        std::string cell;
-        std::string quoted;
-    } cases[] = {
-        {"", ""},
-        {"plain text; 1.5 'x'", "plain text; 1.5 'x'"},
-        {"a,b", "\"a,b\""},
-        {"say \"x\"", "\"say \"\"x\"\"\""},
-        {"\"", "\"\"\"\""},
-        {"two\nlines", "\"two\nlines\""},
-        {"return\r", "\"return\r\""},
-        {std::string("nul\0,", 5), std::string("\"nul\0,\"", 7)},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(c.quoted, CsvFile::quoted(c.cell)) << c.cell;
-}
-
 TEST(CsvFileTest, FoldersAreMadeAndLinesEndInALineFeedEverywhere)
 {
     const std::string folder = test::freshPath("folder");
@@ -158,7 +139,7 @@ TEST_F(WritersTest, HostileTextsStayInTheirCells)
               "\"before, this\"\n"
               "State,\"evil, \"\"entity\"\" Load (%)\",\"evil, \"\"entity\"\" Time (ms)\"\n"
               "\"a,b\r\nc\",1234567.50,\n"
-              "=1+1,,7\n"
+              "'=1+1,,7\n"
               "\"after\nthat\"\n"
               "\n",
               file("summary"));
@@ -218,13 +199,13 @@ TEST_F(WritersTest, TimelinesTellEachSampleInFull)
     collect("package POWER?", 4096U);
     collect("Summary", "a\"b");
     const std::string summary = file("summary");
-    EXPECT_EQ("Time (s),Entity,Descriptor,Power (mW),Duration (s)\n"
-              "0.000000001,\"Core, 0\",,0.3333333333333333,0.000000001\n"
-              "0.250000000,\"Core, 0\",,0.3333333333333333,0.249999999\n",
+    EXPECT_EQ("Time (s),Time (UTC),Entity,Descriptor,Power (mW),Duration (s)\n"
+              "0.000000001,,\"Core, 0\",,0.3333333333333333,0.000000001\n"
+              "0.250000000,,\"Core, 0\",,0.3333333333333333,0.249999999\n",
               file("package-power-"));
-    EXPECT_EQ("Time (s),Entity,Descriptor,Power (mW),Duration (s)\n"
-              "0.000000001,\"Core, 0\",,4096,0.000000001\n"
-              "0.250000000,\"Core, 0\",,4096,0.249999999\n",
+    EXPECT_EQ("Time (s),Time (UTC),Entity,Descriptor,Power (mW),Duration (s)\n"
+              "0.000000001,,\"Core, 0\",,4096,0.000000001\n"
+              "0.250000000,,\"Core, 0\",,4096,0.249999999\n",
               file("package-power--2"));
     EXPECT_NE("", file("summary-2"));
     EXPECT_TRUE(summary.starts_with("\"pre, metric\"\n\n")) << summary;
@@ -248,9 +229,9 @@ TEST_F(WritersTest, TimelinesNameHandlesAndTellProcessesApart)
     }
     metric.finalize();
     stream.close();
-    EXPECT_EQ("Time (s),Entity,Descriptor,What,Duration (s)\n"
-              "0.000000001,All,,\"shell, old (77)\",0.000000001\n"
-              "0.000000002,All,,All,0.000000001\n",
+    EXPECT_EQ("Time (s),Time (UTC),Entity,Descriptor,What,Duration (s)\n"
+              "0.000000001,,All,,\"shell, old (77)\",0.000000001\n"
+              "0.000000002,,All,,All,0.000000001\n",
               test::contentOf(prefix + "_events.csv"));
 }
 

@@ -1,7 +1,9 @@
 #include "machine/TreeMachine.h"
 #include "system/System.h"
 
+#include <cstdlib>
 #include <ctime>
+#include <string_view>
 #include <unistd.h>
 
 namespace host {
@@ -30,6 +32,15 @@ SleepClocks readSleepClocks()
 bool isErrorStreamTerminal()
 {
     return isatty(STDERR_FILENO) == 1;
+}
+
+bool isErrorStreamColoured()
+{
+    const char* noColour = std::getenv("NO_COLOR");
+    const char* terminal = std::getenv("TERM");
+    const bool isRefused = noColour != nullptr && *noColour != '\0';
+    const bool isPlain = terminal == nullptr || std::string_view(terminal) == "dumb";
+    return isErrorStreamTerminal() && !isRefused && !isPlain;
 }
 
 }    // namespace host

@@ -21,6 +21,9 @@ SleepClocks readSleepClocks();
 // Whether a person watches the standard error stream.
 bool isErrorStreamTerminal();
 
+// Whether it is a terminal that shows colours, and nobody asked for none: NO_COLOR is not set, or empty.
+bool isErrorStreamColoured();
+
 // Catches Ctrl-C and a request to terminate while it lives; one at a time in the process. The first signal asks to
 // stop, a second one ends the program as if there were no StopSignal.
 //

@@ -8,6 +8,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <io.h>
 #include <windows.h>
 
@@ -120,6 +121,16 @@ bool isErrorStreamTerminal()
 {
     constexpr int ERROR_STREAM = 2;
     return _isatty(ERROR_STREAM) != 0;
+}
+
+bool isErrorStreamColoured()
+{
+    const char* noColour = std::getenv("NO_COLOR");
+    if ((noColour != nullptr && *noColour != '\0') || !isErrorStreamTerminal()) return false;
+    constexpr DWORD SEQUENCES = 0x0004;    // the console understands escape sequences
+    DWORD mode = 0;
+    const HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
+    return GetConsoleMode(console, &mode) != 0 && SetConsoleMode(console, mode | SEQUENCES) != 0;
 }
 
 }    // namespace host

@@ -83,9 +83,11 @@ void ConsoleWriter::beginTable_i(const TableHead&)
     m_rows.clear();
 }
 
-void ConsoleWriter::writeRow_i(const std::vector<std::string>& cells)
+void ConsoleWriter::writeRow_i(const std::vector<TableCell>& cells)
 {
-    m_rows.push_back(cells);
+    std::vector<std::string>& row = m_rows.emplace_back();
+    for (const TableCell& cell : cells)
+        row.push_back(cell.text);
 }
 
 void ConsoleWriter::endTable_i(const TableHead& head)

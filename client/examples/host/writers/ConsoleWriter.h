@@ -18,7 +18,7 @@ protected:
     void beginMetric_i(const std::string& banner) override;
     void writeNotes_i(const std::vector<std::string>& notes) override;
     void beginTable_i(const TableHead& head) override;
-    void writeRow_i(const std::vector<std::string>& cells) override;
+    void writeRow_i(const std::vector<TableCell>& cells) override;
     void endTable_i(const TableHead& head) override;
 
 private:

@@ -1,18 +1,16 @@
 #pragma once
 
 #include "writers/CsvFile.h"
-#include "writers/TableWriter.h"
+#include "writers/ResultWriter.h"
+#include "writers/Values.h"
 
 #include <map>
 #include <set>
 
-namespace pwr {
-class DataElement;
-}
-
 namespace host {
 
-// Writes result files for other programs. Numbers have a point and no grouping, whatever the locale.
+// Writes comma-separated values for other programs. Numbers have a point and no grouping, times are UTC, whatever the
+// locale.
 //
 // PREFIX_summary.csv holds every summary table, with an empty line behind each:
 //
@@ -25,13 +23,14 @@ namespace host {
 // PREFIX_<metric>.csv is the timeline of one metric, a line for each sample:
 //
 //   Time (s)      since the start of the collection, to the nanosecond
+//   Time (UTC)    the moment, to the nanosecond; empty where the start is not known
 //   Entity        qualified name
 //   Descriptor    the state, for example; empty without one
 //   Value         headed by the metric's quantity and units; residencies are told in milliseconds
 //   Duration (s)  what the value stands for, to the nanosecond
 //
-// <metric> is the metric's name in small letters, "-" for everything but letters and digits.
-class CsvWriter : public TableWriter {
+// <metric> is the metric's name in small letters, "-" for everything but letters and digits, cut to 100 of them.
+class CsvWriter : public ResultWriter {
 public:
     explicit CsvWriter(const std::string& prefix);
 
@@ -39,36 +38,32 @@ public:
     int openOutput() override;
     int closeOutput() override;    // 1 when anything failed since
 
-    const std::vector<std::string>& getFiles() const { return m_paths; }    // those opened, the summary first
-    const std::string& getError() const { return m_error; }                 // the first failure; empty: none
-
 protected:
     void beginMetric_i(const std::string&) override {}    // the tables are titled
     void writeNotes_i(const std::vector<std::string>& notes) override;
     void beginTable_i(const TableHead& head) override;
-    void writeRow_i(const std::vector<std::string>& cells) override;
+    void writeRow_i(const std::vector<TableCell>& cells) override;
     void endTable_i(const TableHead& head) override;
 
 private:
-    using TableWriter::writeMessage;
-    int writeMessage(const pwr::SystemMessage& message) override;
+    struct Timeline {
+        CsvFile file;
+        ValueInfo info;
+        BySeries<std::string> names;    // of each pair: entity and descriptor as they stand in the file
+    };
+
+    using ResultWriter::writeMessage;
     int writeMessage(const pwr::Metric& metric) override;
 
-    CsvFile& timelineOf_i(const pwr::Metric& metric);
+    Timeline& timelineOf_i(const pwr::Metric& metric);
     bool open_i(CsvFile& file, const std::string& name);
-    void close_i(CsvFile& file);
-    std::string uniqueName_i(const std::string& metric);
-    std::string secondsSinceStart_i(unsigned long long timestamp) const;
-    std::string seconds_i(unsigned long long ticks) const;
-    std::string valueText_i(const pwr::Metric& metric, const pwr::DataElement& element) const;
+    void writeElement_i(Timeline& timeline, const pwr::DataElement& element);
 
     std::string m_prefix;
-    const pwr::SystemMetadata* m_system = nullptr;    // the record of the run; not owned
     CsvFile m_summary;
-    std::map<unsigned int, CsvFile> m_timelines;    // by the metric's id
-    std::set<std::string> m_names;                  // between prefix and ".csv", all different
-    std::vector<std::string> m_paths;
-    std::string m_error;
+    std::map<unsigned int, Timeline> m_timelines;    // by the metric's id
+    std::set<std::string> m_names;                   // between prefix and ".csv", all different
+    std::string m_times;                             // of the point in progress
 };
 
 }    // namespace host

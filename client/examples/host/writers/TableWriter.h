@@ -6,6 +6,10 @@
 #include <string>
 #include <vector>
 
+namespace pwr {
+class Data;
+}
+
 namespace host {
 
 // What stands above the rows of a table, and behind them.
@@ -13,11 +17,20 @@ struct TableHead {
     struct Column {
         std::string entity;    // qualified name; empty for a column of the whole row
         std::string name;      // with its units
+
+        std::string title() const { return entity + (entity.empty() || name.empty() ? "" : " ") + name; }
     };
+    unsigned int messageId = 0;
+    unsigned int metricId = 0;    // 0: none
     std::string title;
     std::vector<Column> columns;
     std::vector<std::string> preNotes;
     std::vector<std::string> postNotes;
+};
+
+struct TableCell {
+    std::string text;                    // rounded as the table wants it; empty for a cell that is not set
+    const pwr::Data* value = nullptr;    // the table's; null for a cell that is not set or can't be read
 };
 
 // The part that writers of tables share: it puts the messages of a table (a layout, then row after row) together again,
@@ -35,7 +48,7 @@ protected:
     virtual void beginMetric_i(const std::string& banner) = 0;
     virtual void writeNotes_i(const std::vector<std::string>& notes) = 0;
     virtual void beginTable_i(const TableHead& head) = 0;
-    virtual void writeRow_i(const std::vector<std::string>& cells) = 0;
+    virtual void writeRow_i(const std::vector<TableCell>& cells) = 0;
     virtual void endTable_i(const TableHead& head) = 0;
 
     void finishTables_i();
@@ -48,9 +61,11 @@ protected:
 private:
     void endTableInProgress_i();
     static TableHead headOf_i(const pwr::TableMessage& message);
+    void takeRow_i(const pwr::TableMessage& message);
 
     unsigned int m_messageId = 0;    // of the table in progress; 0: none
     TableHead m_head;
+    std::vector<TableCell> m_cells;                // of the row in progress
     std::vector<std::string> m_metricPostNotes;    // wait for the metric's last table
 };
 
