@@ -84,13 +84,18 @@ function(quorvane_test name)
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()
 
-# quorvane_fuzzer(<Name>)
+# quorvane_fuzzer(<Name> [LIBRARIES ...])
 # The program <Name> made of <Name>.cpp, with its seed inputs in corpus/<Name>/. Where tests are built, one ctest test
-# runs the seeds once.
+# runs the seeds once. It links the library's objects, or with LIBRARIES only these.
 function(quorvane_fuzzer name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES")
     add_executable(${name} ${name}.cpp)
     quorvane_warnings(${name})
-    quorvane_use_objects(${name})
+    if(arg_LIBRARIES)
+        target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
+    else()
+        quorvane_use_objects(${name})
+    endif()
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
     if(QUORVANE_BUILD_TESTS)
         file(GLOB seeds CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name}/*)

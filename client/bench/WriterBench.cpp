@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -143,7 +144,8 @@ void BM_Writer(benchmark::State& state)
 {
     const auto format = state.range(0);
     std::vector<std::string> formats;
-    if (format >= 0) formats.push_back(host::resultNames()[static_cast<std::size_t>(format)]);
+    if (format >= 0)
+        formats.emplace_back(std::array{"csv", "jsonl", "trace", "html", "prom"}[static_cast<std::size_t>(format)]);
     state.SetLabel(format >= 0 ? formats.front() : "metric alone");
     for (auto _ : state) {
         Run run(formats);

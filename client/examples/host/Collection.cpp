@@ -1,10 +1,11 @@
 #include "Collection.h"
 
 #include "Progress.h"
+#include "sessions/SessionWriter.h"
 #include "system/System.h"
-#include "writers/PointCounter.h"
 
-#include "plugins/QuorvaneHost.h"
+#include "plugins/PluginEnvironment.h"
+#include "record/Clocks.h"
 #include "record/CollectionData.h"
 #include "record/Metadata.h"
 #include "record/SystemMetadata.h"
@@ -17,7 +18,7 @@ namespace host {
 
 Collection::Collection(pwr::SystemMetadata& record, CollectorPlugin& collector,
                        const std::vector<FeaturePlugin*>& plugins)
-    : m_record(record), m_collector(collector), m_plugins(plugins)
+    : Delivery(record, plugins), m_collector(collector)
 {
 }
 
@@ -31,9 +32,19 @@ const Plugin* Collection::begin(const Params& params)
     }
     std::erase_if(m_messages, [this](const pwr::InputMsg* message) { return !m_collector.canCollectMessage(message); });
     if (m_collector.startCollection(m_messages, m_record) != 0) return &m_collector;
+    beginSession_i();
     m_collector.getCollectionResults(m_buffer);
-    deliver_i();
+    takeBuffer_i();
     return nullptr;
+}
+
+// The record tells the start by now.
+void Collection::beginSession_i()
+{
+    if (m_session == nullptr) return;
+    m_session->begin(m_record);
+    for (const auto& record : m_metadata)
+        m_session->addMetadata(*record);
 }
 
 bool Collection::prepare_i(FeaturePlugin& plugin)
@@ -55,7 +66,8 @@ void Collection::run(double seconds, unsigned int intervalMs, StopSignal& stop, 
     using std::chrono::steady_clock;
     const steady_clock::time_point start = steady_clock::now();
     const steady_clock::time_point end =
-        start + std::chrono::duration_cast<steady_clock::duration>(duration<double>(seconds));
+        seconds > 0 ? start + std::chrono::duration_cast<steady_clock::duration>(duration<double>(seconds))
+                    : steady_clock::time_point::max();
     const std::chrono::milliseconds interval(intervalMs);
     steady_clock::time_point next = start;
     bool isOver = false;
@@ -67,7 +79,8 @@ void Collection::run(double seconds, unsigned int intervalMs, StopSignal& stop, 
         isOver = stop.waitUntil(next) || next == end;
         takeRound();
         if (afterRound) afterRound();
-        progress.show(duration<double>(steady_clock::now() - start).count(), seconds, getSamples());
+        progress.show(duration<double>(steady_clock::now() - start).count(), seconds,
+                      m_isSavedOnly && m_session != nullptr ? m_session->getRecords() : getSamples());
     }
     progress.wipe();
 }
@@ -79,59 +92,42 @@ bool Collection::takeRound()
     m_collector.getContinuousResult(m_buffer, summary);
     m_record.stopTSC = summary.getStopTimestamp();
     m_record.stopTimeval = summary.getStopTimeval();
-    deliver_i();
+    takeBuffer_i();
     return true;
 }
 
-// Each record to the plugin of its number.
-void Collection::deliver_i()
+void Collection::takeBuffer_i()
 {
+    save_i();
+    if (m_isSavedOnly) return;
     std::size_t offset = 0;
-    while (const qv_driver_msg* message = m_buffer.next(offset)) {
-        const auto isReceiver = [message](const Plugin* plugin) { return plugin->getSID() == message->plugin_id; };
-        const auto plugin = std::find_if(m_plugins.begin(), m_plugins.end(), isReceiver);
-        if (plugin == m_plugins.end() ||
-            QuorvaneHost::processMessage(**plugin, m_record, message) == MetricPlugin::ProcessMessageCode::FAILED) {
-            ++m_failedRecords;
-        }
-    }
+    while (const qv_driver_msg* message = m_buffer.next(offset))
+        deliver_i(message);
     if (!m_buffer.isAtEnd(offset)) ++m_failedRecords;
 }
 
-std::vector<const FeaturePlugin*> Collection::end()
+// States stand in front of the records that tell of them.
+void Collection::save_i()
 {
+    if (m_session == nullptr) return;
+    if (g_pluginEnvironment != nullptr) m_session->addStates(g_pluginEnvironment->getSystemStateEvents());
+    m_session->addRecords(m_buffer);
+    m_session->flush();
+}
+
+void Collection::stop()
+{
+    if (m_isStopped) return;
+    m_isStopped = true;
     CollectionData summary;
     if (m_collector.stopCollection(summary) == 0) {
         m_record.stopTSC = summary.getStopTimestamp();
         m_record.stopTimeval = summary.getStopTimeval();
     }
     m_collector.getCollectionResults(m_buffer);
-    deliver_i();
-    std::vector<const FeaturePlugin*> failed;
-    for (FeaturePlugin* plugin : m_plugins) {
-        const bool isSent = plugin->finalizeCollection(plugin->getName(), m_params, m_record) == 0;
-        if (plugin->finalize(m_record) != 0 || !isSent) failed.push_back(plugin);
-    }
-    m_record.samplesProduced = getSamples();
-    return failed;
-}
-
-std::uint64_t Collection::getSamples() const
-{
-    std::uint64_t samples = 0;
-    for (const FeaturePlugin* plugin : m_plugins)
-        samples += plugin->getSamples();
-    return samples;
-}
-
-std::uint64_t Collection::getDroppedPoints(const PointCounter& counter) const
-{
-    std::uint64_t dropped = 0;
-    for (const FeaturePlugin* plugin : m_plugins) {
-        const std::uint64_t arrived = counter.getPoints(plugin->getSwitchTag());
-        dropped += plugin->getPoints() - std::min(plugin->getPoints(), arrived);
-    }
-    return dropped;
+    takeBuffer_i();
+    m_record.programStopTimeval = pwr::QVNanoClock().getTimestamp();
+    if (m_session != nullptr) m_session->end(m_record);
 }
 
 }    // namespace host

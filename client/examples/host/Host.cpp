@@ -1,9 +1,15 @@
 #include "Host.h"
 
+#include "HelpText.h"
 #include "Options.h"
 #include "Run.h"
+#include "system/TeeBuffer.h"
 
+#include "usage/UsageText.h"
+
+#include <QuorvaneBuild.h>
 #include <exception>
+#include <nlohmann/json.hpp>
 #include <ostream>
 
 namespace host {
@@ -16,6 +22,54 @@ int fail(const Console& console, int status, const std::string& text)
     return status;
 }
 
+int print(const Console& console, const std::string& text)
+{
+    console.out << text << std::flush;
+    return console.out ? EXIT_GOOD : fail(console, EXIT_RUN, "the text could not be printed");
+}
+
+std::string versionText()
+{
+    const std::string reference = *pwr::build::REF != '\0' ? pwr::build::REF : "N/A";
+    return std::string("quorvane_host ") + pwr::build::VERSION + " [" + pwr::build::DATE +
+           "]\nBuild Ref: " + reference + "\n" + pwr::build::COPYRIGHT + "\n";
+}
+
+// What the processor at hand adds to the description of the options.
+void learnProcessor(const Options& options)
+{
+    pwr::SystemMetadata record;
+    std::vector<std::string> remarks;
+    openMachine(options.sysroot)->describe(record, remarks);
+    const std::string chip = record.getFormattedCPUCodeName();
+    pwr::usage::UsageText::updatePchDeviceInfo(chip);
+    pwr::usage::UsageText::updateTcssIpInfo(chip);
+}
+
+std::string usageJson()
+{
+    nlohmann::json usage;
+    pwr::usage::UsageText::formatJson(usage);
+    return usage.dump(2) + "\n";
+}
+
+int serve(const Options& options, const std::vector<std::string>& arguments, const Console& console)
+{
+    if (options.help || options.usageJson) learnProcessor(options);
+    if (options.help) return print(console, helpText(consoleWidth()));
+    if (options.version) return print(console, versionText());
+    if (options.usageJson) return print(console, usageJson());
+    return Run(options, arguments, console).execute();
+}
+
+int serveWithLog(const Options& options, const std::vector<std::string>& arguments, const Console& console)
+{
+    TeeBuffer both(*console.out.rdbuf());
+    if (!both.open(options.log)) return fail(console, EXIT_RUN, options.log + " can't be written: give --log a file");
+    std::ostream out(&both);
+    return serve(options, arguments, {out, console.errors, console.showsProgress});
+}
+
 }    // namespace
 
 int runHost(const std::vector<std::string>& arguments, const Console& console)
@@ -23,12 +77,8 @@ int runHost(const std::vector<std::string>& arguments, const Console& console)
     Options options;
     std::string error;
     if (!parseOptions(arguments, options, error)) return fail(console, EXIT_USAGE, error);
-    if (options.help) {
-        console.out << helpText() << std::flush;
-        return console.out ? EXIT_GOOD : fail(console, EXIT_RUN, "the help could not be printed");
-    }
     try {
-        return Run(options, arguments, console).execute();
+        return options.log.empty() ? serve(options, arguments, console) : serveWithLog(options, arguments, console);
     } catch (const std::exception& trouble) {
         return fail(console, EXIT_RUN, trouble.what());
     } catch (const char* trouble) {    // how the library's constructors refuse

@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "usage/UsageText.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -8,6 +10,8 @@
 namespace host {
 
 namespace {
+
+using pwr::usage::Option;
 
 constexpr double MAX_SECONDS = 1'000'000;
 constexpr unsigned int MAX_INTERVAL_MS = 60'000;
@@ -47,9 +51,23 @@ bool setTime(Options& options, const std::string& value)
            options.seconds <= MAX_SECONDS;
 }
 
+template <double Options::*seconds>
+bool setDelay(Options& options, const std::string& value)
+{
+    double& delay = options.*seconds;
+    return parseNumber(value, delay) && delay >= 0 && !std::signbit(delay) && delay <= MAX_SECONDS;
+}
+
 bool setInterval(Options& options, const std::string& value)
 {
     return parseNumber(value, options.intervalMs) && options.intervalMs >= 1 && options.intervalMs <= MAX_INTERVAL_MS;
+}
+
+// Its arguments follow, see parseOptions().
+bool setProgram(Options& options, const std::string& value)
+{
+    options.program = {value};
+    return !value.empty();
 }
 
 template <std::string Options::*text>
@@ -66,26 +84,47 @@ bool setFlag(Options& options, const std::string&)
     return true;
 }
 
+// There is nothing to do for it.
+bool accept(Options&, const std::string&)
+{
+    return true;
+}
+
+bool refuse(Options&, const std::string&)
+{
+    return false;
+}
+
 struct Row {
     const char* name;
     const char* argument;    // null: none
-    const char* wants;       // of the argument, for the error line
-    const char* help;
+    const char* wants;       // of the argument, for the error line; what an option that is refused lacks
+    const char* help;        // null: the tool's description has the option
     bool (*apply)(Options&, const std::string&);    // false: the value is no good
 };
 
+const char* const DELAY = "a number of seconds from 0 to 1000000";
+
 const Row ROWS[] = {
-    {"--feature", "NAME", "the name of a feature",
-     "measure this feature or group of them (may be given several times); default: all found", addFeature},
-    {"--time", "SECONDS", "a number of seconds above 0 and up to 1000000", "how long to collect; default: 3", setTime},
-    {"--interval", "MS", "a whole number of milliseconds from 1 to 60000", "time between two samples; default: 100",
-     setInterval},
-    {"--output", "PREFIX", "the beginning of the files' names",
-     "write result files: PREFIX_summary.csv and one timeline PREFIX_<metric>.csv for each metric, or what --result "
-     "names",
-     setText<&Options::output>},
-    {"--result", "NAME[,NAME]...", "csv, jsonl, trace, html or prom, with a comma between two",
-     "what --output writes: csv, jsonl, trace, html, prom; default: csv", addResults},
+    {"--help", nullptr, nullptr, nullptr, setFlag<&Options::help>},
+    {"--version", nullptr, nullptr, nullptr, setFlag<&Options::version>},
+    {"--log", "FILE", "a file", nullptr, setText<&Options::log>},
+    {"--print-fms", nullptr, nullptr, nullptr, setFlag<&Options::printFms>},
+    {"--update-usage-consent", nullptr, "it collects no usage data that one could opt in to", nullptr, refuse},
+    {"--skip-usage-collection", nullptr, nullptr, nullptr, accept},
+    {"--input", "FILE", "a saved session", nullptr, setText<&Options::input>},
+    {"--output", "PREFIX", "the beginning of the files' names", nullptr, setText<&Options::output>},
+    {"--result", "NAME[,NAME]...", "names of results, with a comma between two", nullptr, addResults},
+    {"--no-post-processing", nullptr, nullptr, nullptr, setFlag<&Options::noPostProcessing>},
+    {"--feature", "NAME", "the name of a feature", nullptr, addFeature},
+    {"--max-detail", nullptr, nullptr, nullptr, setFlag<&Options::maxDetail>},
+    {"--interval", "MS", "a whole number of milliseconds from 1 to 60000", nullptr, setInterval},
+    {"--program", "PROGRAM", "a program, with its arguments behind it", nullptr, setProgram},
+    {"--startdelay", "SECONDS", DELAY, nullptr, setDelay<&Options::startDelaySeconds>},
+    {"--time", "SECONDS", "a number of seconds above 0 and up to 1000000", nullptr, setTime},
+    {"--auto-connected-standby", nullptr, "it can't put the system into connected standby", nullptr, refuse},
+    {"--program-delay", "SECONDS", DELAY, nullptr, setDelay<&Options::programDelaySeconds>},
+    {"--polling", nullptr, nullptr, nullptr, accept},
     {"--config", "DIR", "a folder",
      "what is collected, and how: all *.conf files of the folder, instead of the host's own",
      setText<&Options::config>},
@@ -98,53 +137,100 @@ const Row ROWS[] = {
     {"--quiet", nullptr, nullptr, "show no progress on the terminal", setFlag<&Options::quiet>},
     {"--list", nullptr, nullptr, "say which features this machine offers, and why others are not",
      setFlag<&Options::list>},
-    {"--help", nullptr, nullptr, "print this", setFlag<&Options::help>},
+    {"--usage-json", nullptr, nullptr, "print the tool's options as JSON", setFlag<&Options::usageJson>},
+};
+
+// What has no meaning where a saved session is processed.
+const char* const COLLECTING[] = {
+    "--no-post-processing", "--feature", "--max-detail", "--interval", "--program", "--startdelay", "--time",
+    "--program-delay",      "--config",  "--sysroot",    "--list"};
+
+// The tool's description: which abbreviation stands for which option.
+class Described : public pwr::usage::UsageText {
+public:
+    static std::string fullName(const std::string& name)
+    {
+        for (const auto& [category, options] : s_usageConstants) {
+            for (const Option& option : options) {
+                const bool isMeant = option.getAttribute(Option::Attribute::ABBREVIATION) == name && !name.empty();
+                if (isMeant) return option.getName();
+            }
+        }
+        return name;
+    }
 };
 
 const Row* findRow(const std::string& name)
 {
+    const std::string fullName = Described::fullName(name);
     const Row* end = std::end(ROWS);
-    const Row* row = std::find_if(std::begin(ROWS), end, [&name](const Row& r) { return name == r.name; });
+    const Row* row = std::find_if(std::begin(ROWS), end, [&fullName](const Row& r) { return fullName == r.name; });
     return row != end ? row : nullptr;
+}
+
+std::string faultOf(const Row& row, const std::string& name, const std::string& value)
+{
+    if (row.apply == refuse) return name + " is not for this host: " + row.wants;
+    return name + " can't take '" + value + "': give " + row.wants;
+}
+
+// Takes the option at `i`, which moves to the last of its arguments. Empty, or what is wrong.
+std::string take(const std::vector<std::string>& arguments, std::size_t& i, Options& options)
+{
+    const std::string& name = arguments[i];
+    const Row* row = findRow(name);
+    if (row == nullptr) {
+        return (name.starts_with("-") ? "unknown option '" : "unexpected argument '") + name +
+               "': --help lists the options";
+    }
+    if (row->argument != nullptr && i + 1 == arguments.size())
+        return name + " stands alone: give " + row->wants + " behind it";
+    const std::string value = row->argument != nullptr ? arguments[++i] : std::string();
+    if (!row->apply(options, value)) return faultOf(*row, name, value);
+    if (row->apply == setProgram) {
+        options.program.insert(options.program.end(), arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                               arguments.end());
+        i = arguments.size();
+    }
+    return {};
+}
+
+std::string findConflict(const std::vector<std::string>& names, const Options& options)
+{
+    for (const std::string& name : names) {
+        const Row* row = findRow(name);
+        const bool isCollecting = std::any_of(std::begin(COLLECTING), std::end(COLLECTING),
+                                              [row](const std::string& other) { return other == row->name; });
+        if (!options.input.empty() && isCollecting)
+            return name + " is about a collection, and --input processes one that was saved: give one of the two";
+    }
+    return {};
 }
 
 }    // namespace
 
 bool parseOptions(const std::vector<std::string>& arguments, Options& options, std::string& error)
 {
+    std::vector<std::string> names;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& name = arguments[i];
-        const Row* row = findRow(name);
-        if (row == nullptr) {
-            error = (name.starts_with("-") ? "unknown option '" : "unexpected argument '") + name +
-                    "': --help lists the options";
-            return false;
-        }
-        if (row->argument != nullptr && i + 1 == arguments.size()) {
-            error = name + " stands alone: give " + row->wants + " behind it";
-            return false;
-        }
-        const std::string value = row->argument != nullptr ? arguments[++i] : std::string();
-        if (!row->apply(options, value)) {
-            error = name + " can't take '" + value + "': give " + row->wants;
-            return false;
-        }
+        names.push_back(arguments[i]);
+        error = take(arguments, i, options);
+        if (!error.empty()) return false;
     }
-    return true;
+    error = findConflict(names, options);
+    return error.empty();
 }
 
-std::string helpText()
+std::vector<Option> hostOptions()
 {
-    std::string text = "Measures the machine it runs on and prints summary tables.\n\nquorvane_host [OPTION]...\n\n";
+    std::vector<Option> options;
     for (const Row& row : ROWS) {
-        std::string head = std::string("  ") + row.name;
-        if (row.argument != nullptr) head += std::string(" ") + row.argument;
-        head.resize(std::max<std::size_t>(head.size() + 2, 26), ' ');
-        text += head + row.help + "\n";
+        if (row.help == nullptr) continue;
+        const std::string argument = row.argument != nullptr ? row.argument : "";
+        options.emplace_back(row.name, row.help, "", argument, "", "", "", std::vector<std::string>(), "",
+                             pwr::usage::TabLevel::LEVEL_1);
     }
-    text += "\nCtrl-C ends the collection early; the results so far are written all the same.\n"
-            "Exit status: 0, 1 when something went wrong, 2 for arguments that make no sense.\n";
-    return text;
+    return options;
 }
 
 }    // namespace host

@@ -3,6 +3,7 @@
 #include "plugins/Plugin.h"
 #include "record/SystemMetadata.h"
 
+#include <QuorvaneBuild.h>
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -20,11 +21,13 @@ constexpr std::uint32_t PRESENT_FORM = 0x07E40300;
 void describeProgram(pwr::SystemMetadata& record, const std::vector<std::string>& arguments, unsigned int intervalMs)
 {
     record.appVersion = PRESENT_FORM;
-    record.nonNumericVersion = QUORVANE_HOST_VERSION;
-    record.exeBuildDate = record.buildRef = "N/A";
+    record.nonNumericVersion = pwr::build::VERSION;
+    record.exeBuildDate = pwr::build::DATE;
+    record.buildRef = *pwr::build::REF != '\0' ? pwr::build::REF : "N/A";
     record.packageType = "Unknown";
     record.commandLine = {"quorvane_host"};
-    record.commandLine.insert(record.commandLine.end(), arguments.begin(), arguments.end());
+    for (const std::string& argument : arguments)
+        record.commandLine.push_back(argument.empty() ? "\"\"" : argument);
     constexpr unsigned int MAX = std::numeric_limits<std::uint16_t>::max();
     record.pollingIntervalMsecs = static_cast<std::uint16_t>(std::min(intervalMs, MAX));
 }

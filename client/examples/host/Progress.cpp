@@ -13,8 +13,12 @@ void Progress::show(double elapsedSeconds, double totalSeconds, std::uint64_t sa
     if (!m_isEnabled || now < m_next) return;
     m_next = now + std::chrono::milliseconds(200);
     char line[128];
-    pw_snprintf(line, sizeof(line), "%.1f of %.1f s, %llu samples", elapsedSeconds, totalSeconds,
-                static_cast<unsigned long long>(samples));
+    const auto count = static_cast<unsigned long long>(samples);
+    if (totalSeconds > 0) {
+        pw_snprintf(line, sizeof(line), "%.1f of %.1f s, %llu samples", elapsedSeconds, totalSeconds, count);
+    } else {
+        pw_snprintf(line, sizeof(line), "%.1f s, %llu samples, Ctrl-C ends it", elapsedSeconds, count);
+    }
     std::string text = line;
     const std::size_t length = text.size();
     text.resize(length < m_shown ? m_shown : length, ' ');

@@ -19,6 +19,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    // Of 0 seconds in all nobody knows how many there will be.
     void show(double elapsedSeconds, double totalSeconds, std::uint64_t samples);
     void wipe();
 

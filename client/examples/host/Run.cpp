@@ -5,7 +5,10 @@
 #include "Platforms.h"
 #include "ProgramRecord.h"
 #include "Progress.h"
+#include "ResultHead.h"
+#include "ResultNames.h"
 #include "modules/ModuleFeature.h"
+#include "sessions/Replay.h"
 #include "system/ProgramFolder.h"
 #include "system/System.h"
 #include "writers/ConsoleWriter.h"
@@ -17,10 +20,10 @@
 #include "record/Clocks.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <deque>
 #include <filesystem>
-#include <initializer_list>
 #include <ostream>
 #include <system_error>
 
@@ -35,6 +38,7 @@ Run::Run(const Options& options, const std::vector<std::string>& arguments, cons
 // The configuration goes before the collectors that serve it, features before the modules that they are of.
 Run::~Run()
 {
+    m_delivery.reset();
     pwr::QVConfigFileParser::instance()->destroy();
     m_features.clear();
     m_modules.destroyPlugins();
@@ -47,12 +51,19 @@ int Run::execute()
         return fail_i(EXIT_RUN,
                       "there is no folder " + m_options.sysroot + ": give --sysroot one that holds sys and proc");
     }
+    const std::string unknown = findUnknownResult(m_options.results);
+    if (!unknown.empty()) return fail_i(EXIT_USAGE, "there is no result '" + unknown + "': --help tells the names");
     m_session = std::make_unique<Session>(m_console.errors);
+    if (!m_options.input.empty()) return process_i();
     m_machine = openMachine(m_options.sysroot);
     m_collector = m_machine->makeCollector(m_session->getClock());
     enroll(*m_collector, m_record);
     if (!loadModules_i()) return EXIT_RUN;
     describe_i();
+    if (m_options.printFms) {
+        m_console.out << m_record.fms << std::endl;
+        return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the processor could not be printed");
+    }
     if (!loadCollectorConfig_i()) return EXIT_RUN;
     openFeatures_i();
     if (m_options.list) return list_i();
@@ -76,10 +87,48 @@ bool Run::loadModules_i()
     return true;
 }
 
+int Run::process_i()
+{
+    return openSession_i() && chooseSaved_i() ? makeResults_i() : EXIT_RUN;
+}
+
+bool Run::openSession_i()
+{
+    m_input.open(m_options.input, std::ios::binary);
+    if (!m_input) {
+        fail_i(EXIT_RUN, m_options.input + " can't be read: give --input a saved session");
+        return false;
+    }
+    m_reader = std::make_unique<SessionReader>(m_input);
+    if (!m_reader->begin(m_record)) {
+        fail_i(EXIT_RUN, m_options.input + " is no saved session: " + m_reader->getFault());
+        return false;
+    }
+    m_session->useSavedRecord(m_record);
+    return true;
+}
+
+bool Run::chooseSaved_i()
+{
+    m_features = makeFeatures("");
+    std::vector<FeaturePlugin*> plugins;
+    for (const Feature& feature : m_features)
+        plugins.push_back(&feature.getPlugin());
+    auto replay = std::make_unique<Replay>(m_record, *m_reader);
+    m_chosen = replay->choose(plugins);
+    m_replay = replay.get();
+    m_delivery = std::move(replay);
+    if (!m_chosen.empty()) return true;
+    fail_i(EXIT_RUN, m_options.input + " holds nothing that can be processed" +
+                         (m_reader->getFault().empty() ? "" : ": it " + m_reader->getFault()));
+    return false;
+}
+
 // A machine without processors may still be listed.
 void Run::describe_i()
 {
     describeProgram(m_record, m_arguments, m_options.intervalMs);
+    m_record.maxDetail = m_options.maxDetail ? 1 : 0;
     m_record.programStartTimeval = m_startTimeval;
     m_isDescribed = m_machine->describe(m_record, m_remarks);
     m_record.platformSpecifiers = platformSpecifiers(m_record);
@@ -206,27 +255,27 @@ int Run::collect_i()
     if (!m_session->useRecord(m_record)) {
         return fail_i(EXIT_RUN, "the machine's topology could not be taken over");
     }
+    return makeResults_i();
+}
+
+int Run::makeResults_i()
+{
     if (!loadOutputConfig_i()) return EXIT_RUN;
     orderFeatures_i();
     Results results;
-    const int status = openResults_i(results);
-    return status == EXIT_GOOD ? measure_i(results) : status;
+    if (!m_options.noPostProcessing && !openResults_i(results)) return EXIT_RUN;
+    return measure_i(results);
 }
 
-int Run::openResults_i(Results& results) const
+// Over-time data need more than summaries.
+bool Run::openResults_i(Results& results) const
 {
-    const std::vector<std::string> names =
-        m_options.results.empty() ? std::vector<std::string>{"csv"} : m_options.results;
-    if (m_options.output.empty() && m_options.results.empty()) return EXIT_GOOD;
-    if (!results.add(names, m_options.output)) {
-        std::string known;
-        for (const std::string& name : resultNames())
-            known += (known.empty() ? "" : ", ") + name;
-        return fail_i(EXIT_USAGE, "there is no result '" + results.getUnknown() + "': give --result some of " + known);
-    }
-    if (m_options.output.empty()) return fail_i(EXIT_USAGE, "--result writes files: give --output a prefix for them");
-    if (results.open()) return EXIT_GOOD;
-    return fail_i(EXIT_RUN, results.getError() + ": give --output a prefix that can be written");
+    std::vector<std::string> names = m_options.results;
+    if (names.empty()) names.emplace_back("sum");
+    if (m_record.maxDetail != 0) std::replace(names.begin(), names.end(), std::string("sum"), std::string("csv"));
+    if (results.add(names, m_options.output) && results.open()) return true;
+    fail_i(EXIT_RUN, results.getError() + ": give --output a prefix that can be written");
+    return false;
 }
 
 bool Run::loadOutputConfig_i()
@@ -263,38 +312,78 @@ int Run::measure_i(const Results& results)
     OutputStream stream;
     stream.addWriter(counter);
     stream.addWriter(tables);
-    for (WriterPlugin* writer : std::initializer_list<WriterPlugin*>{&counter, &tables})
-        enroll(*writer, m_record);
+    std::vector<WriterPlugin*> writers{&counter, &tables};
     for (const auto& writer : results.getWriters()) {
         stream.addWriter(*writer);
-        enroll(*writer, m_record);
+        writers.push_back(writer.get());
     }
-    addModuleWriters_i(stream);
+    for (WriterPlugin* writer : writers) {
+        if (m_replay == nullptr) enroll(*writer, m_record);
+    }
+    if (!m_options.noPostProcessing) addModuleWriters_i(stream);
     if (!stream.open(m_session->getEnvironment(), m_record))
         return fail_i(EXIT_RUN, "the writers could not be reached");
 
-    Collection collection(m_record, *m_collectors, m_chosen);
-    StopSignal stop;    // until all is written
-    Progress progress(m_console.errors, m_console.showsProgress && !m_options.quiet, m_console.usesColour);
-    if (!begin_i(collection)) return EXIT_RUN;
-    collection.run(m_options.seconds, m_options.intervalMs, stop, progress, [&] { stream.flush(m_record); });
-    const std::vector<const FeaturePlugin*> failed = collection.end();
-    m_record.samplesDropped = collection.getDroppedPoints(counter);
-    m_record.programStopTimeval = pwr::QVNanoClock().getTimestamp();
+    const int status = m_replay != nullptr ? replay_i() : record_i(stream);
+    if (status != EXIT_GOOD) return status;
+    if (m_options.noPostProcessing) return reportSaved_i();
+    printHead_i(resultHead(m_record, m_replay != nullptr));
+    const std::vector<const FeaturePlugin*> failed = m_delivery->end();
+    m_record.samplesDropped = m_delivery->getDroppedPoints(counter);
     stream.close();
-    return report_i(failed, collection, counter, results);
+    return report_i(failed, counter, results);
 }
 
 void Run::addModuleWriters_i(OutputStream& stream)
 {
     for (WriterPlugin* writer : m_modules.getWriters()) {
-        enroll(*writer, m_record);
+        if (m_replay == nullptr) enroll(*writer, m_record);
         if (writer->openOutput() == 0) {
             stream.addWriter(*writer);
         } else {
             say_i("the writer " + writer->getUUID() + " is left out: it could not open its output");
         }
     }
+}
+
+int Run::record_i(OutputStream& stream)
+{
+    m_stop = std::make_unique<StopSignal>();
+    if (!m_saved.open(m_options.output + ".qvs"))
+        return fail_i(EXIT_RUN, m_saved.getError() + ": give --output a prefix that can be written");
+    auto collection = std::make_unique<Collection>(m_record, *m_collectors, m_chosen);
+    collection->saveTo(m_saved);
+    if (m_options.noPostProcessing) collection->saveOnly();
+    if (!startProgram_i()) return EXIT_RUN;
+    Progress progress(m_console.errors, m_console.showsProgress && !m_options.quiet, m_console.usesColour);
+    if (!begin_i(*collection)) return EXIT_RUN;
+    collection->run(m_options.seconds, m_options.intervalMs, *m_stop, progress, [&] { stream.flush(m_record); });
+    collection->stop();
+    m_saved.close();
+    m_delivery = std::move(collection);
+    return EXIT_GOOD;
+}
+
+// With the delays before it and behind it.
+bool Run::startProgram_i()
+{
+    if (!waitFor_i(m_options.programDelaySeconds)) return false;
+    const std::string fault = m_options.program.empty() ? std::string() : m_program.start(m_options.program);
+    if (!fault.empty()) {
+        fail_i(EXIT_RUN, m_options.program.front() + " could not be started: " + fault);
+        return false;
+    }
+    return waitFor_i(m_options.startDelaySeconds);
+}
+
+bool Run::waitFor_i(double seconds) const
+{
+    using std::chrono::steady_clock;
+    if (seconds <= 0) return true;
+    const auto delay = std::chrono::duration_cast<steady_clock::duration>(std::chrono::duration<double>(seconds));
+    if (!m_stop->waitUntil(steady_clock::now() + delay)) return true;
+    fail_i(EXIT_RUN, "interrupted before the collection began");
+    return false;
 }
 
 bool Run::begin_i(Collection& collection) const
@@ -310,23 +399,67 @@ bool Run::begin_i(Collection& collection) const
     return true;
 }
 
-int Run::report_i(const std::vector<const FeaturePlugin*>& failed, const Collection& collection,
-                  const PointCounter& counter, const Results& results)
+int Run::replay_i()
 {
+    m_replay->use(m_chosen);
+    m_replay->run();
+    if (!m_reader->isWhole()) {
+        say_i(m_options.input + " " + m_reader->getFault() + ": " + std::to_string(m_reader->getRecords()) +
+              " records were read up to there");
+    }
+    std::string missing;
+    for (const std::string& uuid : m_replay->getMissing())
+        missing += (missing.empty() ? ", those of " : ", ") + uuid;
+    if (m_replay->getLeftOutRecords() > 0) {
+        say_i(std::to_string(m_replay->getLeftOutRecords()) +
+              " records are left out, since there is no plugin for them here" + missing);
+    }
+    return EXIT_GOOD;
+}
+
+void Run::printHead_i(const std::vector<std::string>& head) const
+{
+    for (const std::string& line : head)
+        m_console.out << line << '\n';
+}
+
+int Run::reportSaved_i() const
+{
+    if (!m_saved.getError().empty()) return fail_i(EXIT_RUN, m_saved.getError() + ": the session is not complete");
+    m_console.out << m_saved.getRecords() << " records are saved in " << m_saved.getPath() << std::endl;
+    return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the end could not be printed");
+}
+
+int Run::report_i(const std::vector<const FeaturePlugin*>& failed, const PointCounter& counter, const Results& results)
+{
+    const std::string fault = finishFiles_i(results);
     std::string files;
     for (const std::string& file : results.getFiles())
-        files += (files.empty() ? ", files: " : ", ") + file;
+        files += (files.empty() ? "" : ", ") + file;
+    if (m_replay == nullptr) files += ", " + m_saved.getPath();
     m_console.out << '\n'
-                  << collection.getSamples() << " samples, " << collection.getDroppedPoints(counter)
-                  << " dropped points" << (files.empty() ? ", no files (--output PREFIX writes some)" : files)
-                  << std::endl;
+                  << m_delivery->getSamples() << " samples, " << m_delivery->getDroppedPoints(counter)
+                  << " dropped points, files: " << files << std::endl;
 
     if (!remarkOnFailures_i(failed)) return EXIT_RUN;
-    if (collection.getFailedRecords() > 0) {
-        return fail_i(EXIT_RUN, std::to_string(collection.getFailedRecords()) + " records could not be processed");
+    if (m_delivery->getFailedRecords() > 0) {
+        return fail_i(EXIT_RUN, std::to_string(m_delivery->getFailedRecords()) + " records could not be processed");
     }
-    if (!results.getError().empty()) return fail_i(EXIT_RUN, results.getError() + ": the files are not complete");
+    if (!fault.empty()) return fail_i(EXIT_RUN, fault);
     return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the tables could not be printed");
+}
+
+// The first failure; empty: all are complete.
+std::string Run::finishFiles_i(const Results& results) const
+{
+    std::string fault;
+    const std::vector<std::string> head = resultHead(m_record, m_replay != nullptr);
+    for (const std::string& file : results.getFiles()) {
+        if (fault.empty() && file.ends_with(".csv")) fault = putHeadInFront(file, head);
+    }
+    if (!results.getError().empty()) return results.getError() + ": the files are not complete";
+    if (!m_saved.getError().empty()) return m_saved.getError() + ": the session is not complete";
+    return fault;
 }
 
 // A feature whose sources stood still is nothing bad; it is when all did.
@@ -339,7 +472,8 @@ bool Run::remarkOnFailures_i(const std::vector<const FeaturePlugin*>& failed) co
     const auto hasSamples = [](const FeaturePlugin* plugin) { return plugin->getSamples() != 0; };
     if (std::any_of(failed.begin(), failed.end(), hasSamples)) return false;
     if (failed.size() < m_chosen.size()) return true;
-    fail_i(EXIT_RUN, "no sample was taken: collect longer with --time");
+    fail_i(EXIT_RUN, m_replay != nullptr ? "no sample can be made of what was saved"
+                                         : "no sample was taken: collect longer with --time");
     return false;
 }
 

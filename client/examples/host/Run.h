@@ -8,20 +8,27 @@
 #include "machine/Machine.h"
 #include "modules/CollectorTeam.h"
 #include "modules/Modules.h"
+#include "sessions/SessionReader.h"
+#include "sessions/SessionWriter.h"
+#include "system/System.h"
 
 #include "record/SystemMetadata.h"
 
 #include <cstdint>
+#include <fstream>
 #include <memory>
 
 namespace host {
 
 class Collection;
+class Delivery;
 class PointCounter;
+class Replay;
 class Results;
 
-// One run of the host: describes the machine, loads the configuration, chooses features, collects, and reports. Each
-// step that fails has told the user why. Used once.
+// One run of the host: describes the machine, loads the configuration, chooses features, collects, saves the session
+// and reports; or takes all of that from a saved session and reports. Each step that fails has told the user why. Used
+// once.
 class Run {
 public:
     Run(const Options& options, const std::vector<std::string>& arguments, const Console& console);
@@ -31,6 +38,9 @@ public:
 
 private:
     bool loadModules_i();
+    int process_i();
+    bool openSession_i();
+    bool chooseSaved_i();
     void describe_i();
     bool loadCollectorConfig_i();
     bool listConfigFiles_i(std::vector<std::string>& files) const;
@@ -41,14 +51,21 @@ private:
     int chooseNamed_i(const std::string& name);
     bool choose_i(const Feature& feature);
     int collect_i();
+    int makeResults_i();
     bool loadOutputConfig_i();
     void addModuleWriters_i(OutputStream& stream);
     void orderFeatures_i();
-    int openResults_i(Results& results) const;
+    bool openResults_i(Results& results) const;
     int measure_i(const Results& results);
+    int record_i(OutputStream& stream);
+    bool startProgram_i();
+    bool waitFor_i(double seconds) const;
     bool begin_i(Collection& collection) const;
-    int report_i(const std::vector<const FeaturePlugin*>& failed, const Collection& collection,
-                 const PointCounter& counter, const Results& results);
+    int replay_i();
+    void printHead_i(const std::vector<std::string>& head) const;
+    int reportSaved_i() const;
+    int report_i(const std::vector<const FeaturePlugin*>& failed, const PointCounter& counter, const Results& results);
+    std::string finishFiles_i(const Results& results) const;
     bool remarkOnFailures_i(const std::vector<const FeaturePlugin*>& failed) const;
     int fail_i(int status, const std::string& text) const;
     void say_i(const std::string& text) const;
@@ -70,6 +87,13 @@ private:
     Plugin::Params m_params;                        // for the plugins
     std::vector<Feature> m_features;
     std::vector<FeaturePlugin*> m_chosen;
+    std::ifstream m_input;    // a saved session
+    std::unique_ptr<SessionReader> m_reader;
+    SessionWriter m_saved;
+    std::unique_ptr<StopSignal> m_stop;    // until all is written
+    Program m_program;
+    std::unique_ptr<Delivery> m_delivery;
+    Replay* m_replay = nullptr;    // where that is one
 };
 
 }    // namespace host

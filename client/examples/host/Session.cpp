@@ -38,10 +38,15 @@ Session::~Session()
 bool Session::useRecord(pwr::SystemMetadata& record)
 {
     record.qvaClockFreqMHz = m_clock.getSource().getFreqMHz();
-    // The time stamp counter runs at the base frequency where that is known.
+    useSavedRecord(record);
+    return pwr::DataHandleProvider::initTopology(record) == 0;
+}
+
+// The time stamp counter runs at the base frequency where that is known.
+void Session::useSavedRecord(const pwr::SystemMetadata& record)
+{
     const float tscMHz = record.cpuFreqMHz > 0 ? record.cpuFreqMHz : record.qvaClockFreqMHz;
     m_environment.setDefaultClockToTSCRatio(record.qvaClockFreqMHz, tscMHz);
-    return pwr::DataHandleProvider::initTopology(record) == 0;
 }
 
 void OutputStream::addWriter(WriterPlugin& writer)

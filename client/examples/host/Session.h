@@ -49,6 +49,8 @@ public:
     // Mirrors the record's topology as entities, and stamps samples in the clock that it names. False when the library
     // refuses.
     bool useRecord(pwr::SystemMetadata& record);
+    // The same for a saved record, which keeps its own clock and has brought its topology.
+    void useSavedRecord(const pwr::SystemMetadata& record);
 
 private:
     StreamLogger m_errorLogger;

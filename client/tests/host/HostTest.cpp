@@ -13,12 +13,21 @@
 #include <cstddef>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace {
 
 namespace fs = std::filesystem;
 using Arguments = std::vector<std::string>;
+
+// Without the head; the empty text when there is none.
+std::string bodyOf(const std::string& file)
+{
+    const std::string text = test::contentOf(file);
+    const std::size_t end = text.find("\"\n\n");
+    return text.starts_with("\"-----") && end != std::string::npos ? text.substr(end + 3) : "";
+}
 
 std::ptrdiff_t lines(const std::string& text)
 {
@@ -51,17 +60,47 @@ private:
     const std::string m_folder = test::freshPath("results");
 };
 
-TEST_F(HostTest, HelpAndBadArguments)
+TEST_F(HostTest, HelpVersionAndBadArguments)
 {
     EXPECT_EQ(0, run({"--help"}));
-    for (const char* name : {"--feature NAME", "--time SECONDS", "--interval MS", "--output PREFIX", "--config DIR",
-                             "--output-config FILE", "--sysroot DIR", "--plugin-dir DIR", "--result NAME[,NAME]...",
-                             "--quiet", "--list", "--help"}) {
-        EXPECT_NE(std::string::npos, out.str().find(name)) << name;
-    }
+    EXPECT_NE(std::string::npos, out.str().find("  --sysroot     DIR  "));
+    EXPECT_EQ(0, run({"--version"}));
+    EXPECT_TRUE(out.str().starts_with("quorvane_host 0.")) << out.str();
+    EXPECT_EQ(3, lines(out.str()));
+    EXPECT_EQ(0, run({"--usage-json"}));
+    EXPECT_EQ("-h", nlohmann::json::parse(out.str())["General Options"]["--help"]["abbreviation"]);
+    const test::TreeCopy tree("four-cores");
+    EXPECT_EQ(0, run({"--print-fms", "--sysroot", tree.root()}));
+    EXPECT_EQ("0x6.0x4d.0x2\n", out.str());
     EXPECT_EQ("", errors.str());
+
     EXPECT_EQ(2, run({"--nonsense"}));
     EXPECT_EQ("quorvane_host: unknown option '--nonsense': --help lists the options\n", errors.str());
+    EXPECT_EQ(2, run({"-t", "1", "--result", "csv,tea"}));
+    EXPECT_EQ("quorvane_host: there is no result 'tea': --help tells the names\n", errors.str());
+}
+
+TEST_F(HostTest, TheConsoleOutputIsKeptInTheLog)
+{
+    const test::TreeCopy tree("four-cores");
+    EXPECT_EQ(0, measure(tree, {"--feature", "temperature", "--output", path("run"), "--log", path("console.log")}));
+    EXPECT_NE(std::string::npos, out.str().find("Temperature Summary"));
+    EXPECT_EQ(out.str(), test::contentOf(path("console.log")));
+    EXPECT_EQ(1, measure(tree, {"--log", tree.root()}));
+    EXPECT_EQ("quorvane_host: " + tree.root() + " can't be written: give --log a file\n", errors.str());
+}
+
+TEST_F(HostTest, AProgramIsStartedFirst)
+{
+    const test::TreeCopy tree("four-cores");
+    EXPECT_EQ(1, measure(tree, {"--output", path("run"), "--program", "/no/such/program", "-t"}));
+    EXPECT_TRUE(errors.str().starts_with("quorvane_host: /no/such/program could not be started: ")) << errors.str();
+#ifndef _WIN32
+    EXPECT_EQ(0, measure(tree, {"--feature", "temperature", "--output", path("run"), "--program-delay", "0.01",
+                                "--startdelay", "0.01", "-p", "sh", "-c", "echo \"$1\" > " + path("said"), "-", "a b"}))
+        << errors.str();
+    EXPECT_EQ("a b\n", test::contentOf(path("said")));
+#endif
 }
 
 TEST_F(HostTest, TheListTellsWhatIsOfferedAndWhyNot)
@@ -128,10 +167,7 @@ TEST_F(HostTest, WhatCanNotBeMeasuredIsOneLineAndAStatus)
          1,
          tree.root() + "/etc holds no collector configuration: give --config a folder with *.conf files"},
         {{"--output-config", path("none.conf")}, 1, path("none.conf") + " can't be read: give --output-config a file"},
-        {{"--result", "csv,pdf", "--output", path("run")},
-         2,
-         "there is no result 'pdf': give --result some of csv, jsonl, trace, html, prom"},
-        {{"--result", "html"}, 2, "--result writes files: give --output a prefix for them"},
+        {{"--result", "csv,pdf", "--output", path("run")}, 2, "there is no result 'pdf': --help tells the names"},
         {{"--output-config", tree.root()}, 1, tree.root() + " can't be read: give --output-config a file"},
     };
     for (const auto& c : cases) {
@@ -142,6 +178,11 @@ TEST_F(HostTest, WhatCanNotBeMeasuredIsOneLineAndAStatus)
     EXPECT_EQ(1, measure(tree, {"--output", path("blocked")}));
     EXPECT_TRUE(errors.str().starts_with("quorvane_host: " + path("blocked_summary.csv") + " can't be written"));
     EXPECT_TRUE(errors.str().ends_with(": give --output a prefix that can be written\n")) << errors.str();
+    EXPECT_EQ(1, lines(errors.str())) << errors.str();
+    fs::create_directories(path("unsaved.qvs"));
+    EXPECT_EQ(1, measure(tree, {"--output", path("unsaved")}));
+    EXPECT_TRUE(errors.str().starts_with("quorvane_host: " + path("unsaved.qvs") + " can't be written"))
+        << errors.str();
     EXPECT_EQ(1, lines(errors.str())) << errors.str();
 }
 
@@ -255,8 +296,9 @@ TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
                               "ALL_CPU-IDLE_STATES_SAMPLE-COUNT_TABLE=NO\n"
                               "ALL_CPU-IDLE_STATES_RESIDENCY-MILLISECOND_TABLE=NO\n"
                               "ALL_CPU-IDLE_STATES_RESIDENCY-COMBINED_TABLE=NO\n");
-    EXPECT_EQ(0, measure(tree, {"--output-config", tree.root() + "/tables.conf", "--output", path("deep/run"),
-                                "--feature", "temperature", "--feature", "cpu-idle", "--feature", "cpu-load"}));
+    EXPECT_EQ(0,
+              measure(tree, {"--output-config", tree.root() + "/tables.conf", "--output", path("deep/run"), "--result",
+                             "csv", "--feature", "temperature", "--feature", "cpu-idle", "--feature", "cpu-load"}));
     EXPECT_EQ("\"Heat, felt Summary - Sampled: Min/Max/Avg\"\n"
               ",Min (oC),Max (oC),Avg (oC),Time-weighted Avg (oC)\n"
               "board,42,42,42.00,42.00\n"
@@ -270,7 +312,7 @@ TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
               "CPU/Package_0/Module_2/Core_4/Thread_4,100.00,0.00,0.00\n"
               "Quiet.\n"
               "\n",
-              test::contentOf(path("deep/run_summary.csv")));
+              bodyOf(path("deep/run_summary.csv")));
     EXPECT_EQ("quorvane_host: cpu-load: nothing changed, so there is no sample\n", errors.str());
 
     // A round each 40 ms and one at the end; a busy machine may miss some. 16 samples a round.
@@ -279,9 +321,10 @@ TEST_F(HostTest, AWholeRunWritesTablesAndTimelines)
     const int samples = std::stoi(last);
     EXPECT_TRUE(samples > 0 && samples <= 4 * 16 && samples % 16 == 0) << samples;
     EXPECT_EQ(std::to_string(samples) + " samples, 0 dropped points, files: " + path("deep/run_summary.csv, ") +
-                  path("deep/run_temperature-metrics.csv, ") + path("deep/run_cpu-idle-states.csv\n"),
+                  path("deep/run_temperature-metrics.csv, ") + path("deep/run_cpu-idle-states.csv, ") +
+                  path("deep/run.qvs\n"),
               last);
-    const std::string timeline = test::contentOf(path("deep/run_cpu-idle-states.csv"));
+    const std::string timeline = bodyOf(path("deep/run_cpu-idle-states.csv"));
     EXPECT_EQ(1 + samples / 16 * 15, lines(timeline));
     EXPECT_TRUE(timeline.starts_with("Time (s),Time (UTC),Entity,Descriptor,Residency (ms),Duration (s)\n0."));
     EXPECT_EQ(nullptr, g_pluginEnvironment);
@@ -347,7 +390,7 @@ TEST_F(HostTest, TheOwnOutputConfigurationIsFoundAndGood)
          {"CPU idle states Summary: Residency (Percentage and Time)\nActive is the time that no idle",
           "  Processor                      Active (%)  C1 (%)  C2 (%)  Active (msec)",
           "Temperature Summary - Sampled: Min/Max/Avg\n", "processor 1 is left out, since ",
-          "thermal zone 1 is left out, since ", "no files (--output PREFIX writes some)\n"}) {
+          "thermal zone 1 is left out, since ", "files: QuorvaneOutput_summary.csv, QuorvaneOutput.qvs\n"}) {
         EXPECT_NE(std::string::npos, text.find(part)) << part << " is not in\n" << text;
     }
     EXPECT_LT(text.find("CPU idle states Summary"), text.find("Temperature Summary"));
@@ -367,9 +410,9 @@ TEST_F(HostTest, ResultsThatCanNotAllBeWrittenAreAnError)
 {
     const test::TreeCopy tree("four-cores");
     fs::create_directories(path("run_temperature-metrics.csv"));
-    EXPECT_EQ(1, measure(tree, {"--output", path("run")}));
+    EXPECT_EQ(1, measure(tree, {"--output", path("run"), "--max-detail"}));
     EXPECT_NE(std::string::npos, errors.str().find(path("run_temperature-metrics.csv") + " can't be written"));
-    EXPECT_NE("", test::contentOf(path("run_cpu-idle-states.csv")));
+    EXPECT_NE("", bodyOf(path("run_cpu-idle-states.csv")));
     EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("Temperature Summary"));
 }
 
@@ -401,8 +444,9 @@ TEST_F(HostTest, EachResultIsWrittenFromTheSameRun)
     const test::TreeCopy tree("four-cores");
     EXPECT_EQ(0, measure(tree, {"--result", "prom,html", "--result", "trace,jsonl", "--output", path("run"),
                                 "--feature", "temperature"}));
-    EXPECT_NE(std::string::npos, out.str().find(" samples, 0 dropped points, files: " + path("run.jsonl, ") +
-                                                path("run.trace.json, ") + path("run.html, ") + path("run.prom\n")))
+    EXPECT_NE(std::string::npos,
+              out.str().find(" samples, 0 dropped points, files: " + path("run.jsonl, ") + path("run.trace.json, ") +
+                             path("run.html, ") + path("run.prom, ") + path("run.qvs\n")))
         << out.str();
     EXPECT_FALSE(fs::exists(path("run_summary.csv")));
     EXPECT_NE(std::string::npos, test::contentOf(path("run.jsonl")).find("\"entity\":\"board\",\"entityId\":"));
@@ -441,6 +485,17 @@ TEST_F(HostTest, AnInterruptEndsTheCollectionAndAllIsWritten)
     EXPECT_NE(std::string::npos, out.str().find(" samples, 0 dropped points, files: "));
     EXPECT_NE(std::string::npos, test::contentOf(path("run_summary.csv")).find("board,28,28,28.00,28.00\n"));
     EXPECT_EQ(SIG_DFL, std::signal(SIGINT, SIG_DFL));    // nothing of ours is left behind
+}
+
+TEST_F(HostTest, WithoutATimeOnlyAnInterruptEndsTheCollection)
+{
+    const test::TreeCopy tree("four-cores");
+    InterruptingBuffer buffer;
+    std::ostream terminal(&buffer);
+    EXPECT_EQ(0,
+              host::runHost({"--sysroot", tree.root(), "-o", path("run"), "-f", "temperature"}, {out, terminal, true}));
+    EXPECT_NE(std::string::npos, buffer.str().find(" s, 2 samples, Ctrl-C ends it")) << buffer.str();
+    EXPECT_NE(std::string::npos, bodyOf(path("run_summary.csv")).find("board,28,28,28.00,28.00\n"));
 }
 
 }    // namespace

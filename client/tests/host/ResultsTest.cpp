@@ -322,7 +322,7 @@ TEST(ResultsTest, AnUnknownFormatAndAPlaceThatCanNotBeWrittenAreTold)
     EXPECT_EQ("pdf", unknown.getUnknown());
     EXPECT_TRUE(unknown.getWriters().empty());
 
-    for (const std::string& format : host::resultNames()) {
+    for (const std::string format : {"csv", "jsonl", "trace", "html", "prom"}) {
         const std::string prefix = test::freshPath("blocked");
         for (const char* ending : {"_summary.csv", ".jsonl", ".trace.json", ".html", ".prom"})
             fs::create_directories(prefix + ending);

@@ -35,6 +35,18 @@ int freeId(const std::set<int>& taken)
     return id <= std::numeric_limits<std::uint8_t>::max() ? id : 0;
 }
 
+// An empty text can't be kept, and says no more than a missing one.
+void addConstants(const pwr::MsgMetadata& message, pwr::MetricMetadata& constants)
+{
+    for (const pwr::OperationMetadata* operation : message.getMetaValues()) {
+        const auto* told = dynamic_cast<const pwr::CONSTANTOperationMetadata*>(operation);
+        if (told == nullptr) continue;
+        for (const auto& [key, value] : *told) {
+            if (!key.empty() && !value.empty()) constants.addValue(key, value);
+        }
+    }
+}
+
 }    // namespace
 
 FeaturePlugin::FeaturePlugin(const std::string& uuid, FeatureCapability* capability)
@@ -61,10 +73,15 @@ int FeaturePlugin::initializeCollection(Messages& messages, MetadataList& metada
                                                         pwr::CollectionType::NORMAL);
     leaveOutSubstitutes_i(found);
     if (found.empty() || !adoptMessages_i(found, feature)) return -1;
+    // A message's record keeps no values of constants.
+    auto constants = std::make_unique<pwr::MetricMetadata>(getSID(), m_capability.getMetricID());
     for (pwr::InputMsg* message : found) {
         messages.push_back(message);
-        metadata.push_back(describe_i(*message));
+        pwr::MsgMetadata* record = describe_i(*message);
+        metadata.push_back(record);
+        addConstants(*record, *constants);
     }
+    if (!constants->getValues().empty()) metadata.push_back(constants.release());
     return 0;
 }
 
@@ -95,7 +112,7 @@ bool FeaturePlugin::adoptMessages_i(const Messages& found, const std::string& fe
     return true;
 }
 
-pwr::Metadata* FeaturePlugin::describe_i(const pwr::InputMsg& message) const
+pwr::MsgMetadata* FeaturePlugin::describe_i(const pwr::InputMsg& message) const
 {
     pwr::MsgMetadata* record = message.getMetadata();
     record->setCapName(getName());
@@ -119,7 +136,9 @@ QVDynamicHelpType FeaturePlugin::getDynamicHelpDisplayType(const std::string& fe
 
 int FeaturePlugin::processMetadata(const pwr::Metadata* metadata)
 {
-    if (const auto* record = dynamic_cast<const pwr::MsgMetadata*>(metadata)) learnMessage_i(*record);
+    if (const auto* message = dynamic_cast<const pwr::MsgMetadata*>(metadata)) learnMessage_i(*message);
+    if (const auto* constants = dynamic_cast<const pwr::MetricMetadata*>(metadata))
+        m_constants.insert(constants->getValues().begin(), constants->getValues().end());
     return MetricPlugin::processMetadata(metadata);
 }
 
@@ -129,9 +148,6 @@ void FeaturePlugin::learnMessage_i(const pwr::MsgMetadata& record)
     sources.clear();
     for (const pwr::OperationMetadata* operation : record.getMetaValues()) {
         sources.push_back({tagOf(operation->getName()), operation->getOrgMsgTag(), false});
-        if (const auto* constants = dynamic_cast<const pwr::CONSTANTOperationMetadata*>(operation)) {
-            m_constants.insert(constants->begin(), constants->end());
-        }
     }
 }
 

@@ -51,7 +51,7 @@ public:
     QVDynamicHelpType getDynamicHelpDisplayType(const std::string& feature, const Params& params,
                                                 const pwr::SystemMetadata& system) override;
 
-    // Learns constants, and what the blocks of each message are.
+    // Learns constants from metric records, and from message records what the blocks of each message are.
     int processMetadata(const pwr::Metadata* metadata) override;
 
     // 1, with nothing taken, for null and for a record that doesn't fit its message or is damaged.
@@ -121,7 +121,7 @@ private:
 
     static void leaveOutSubstitutes_i(Messages& found);
     bool adoptMessages_i(const Messages& found, const std::string& feature);
-    pwr::Metadata* describe_i(const pwr::InputMsg& message) const;
+    pwr::MsgMetadata* describe_i(const pwr::InputMsg& message) const;
     void learnMessage_i(const pwr::MsgMetadata& record);
     bool decode_i(const qv_driver_msg* message, std::size_t blockCount);
     void take_i(Source& source, BlockKind kind, const Items& items, unsigned long long tsc,

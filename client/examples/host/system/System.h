@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <memory>
+#include <string>
+#include <vector>
 
 // What the host needs of the operating system; sources in posix/ and windows/.
 
@@ -38,6 +40,22 @@ public:
 
     // Sleeps until the time. True at once, and from then on, when a signal came.
     bool waitUntil(std::chrono::steady_clock::time_point time);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+// A program that runs beside the collection and may outlive it. Started once.
+class Program {
+public:
+    Program();
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    // The program, looked for as a shell does, and its arguments. Empty, or why it could not be started.
+    std::string start(const std::vector<std::string>& command);
 
 private:
     struct State;

@@ -27,9 +27,9 @@ std::string namesOf(const pwr::DataElement& element)
 
 }    // namespace
 
-CsvWriter::CsvWriter(const std::string& prefix)
+CsvWriter::CsvWriter(const std::string& prefix, bool hasTimelines)
     : ResultWriter("quorvane-host-csv-writer", "csv", "summary tables and timelines for other programs", ".csv"),
-      m_prefix(prefix)
+      m_prefix(prefix), m_hasTimelines(hasTimelines)
 {
 }
 
@@ -82,6 +82,7 @@ void CsvWriter::endTable_i(const TableHead& head)
 
 int CsvWriter::writeMessage(const pwr::Metric& metric)
 {
+    if (!m_hasTimelines) return 0;
     Timeline& timeline = timelineOf_i(metric);
     const pwr::Metric::DataPoint& point = metric.getData();
     const std::uint64_t sinceStartNs = time_i().sinceStartNs(point.timestamp);

@@ -32,7 +32,7 @@ namespace host {
 // <metric> is the metric's name in small letters, "-" for everything but letters and digits, cut to 100 of them.
 class CsvWriter : public ResultWriter {
 public:
-    explicit CsvWriter(const std::string& prefix);
+    explicit CsvWriter(const std::string& prefix, bool hasTimelines = true);
 
     // Opens the summary file; 1 when that fails, see getError().
     int openOutput() override;
@@ -60,6 +60,7 @@ private:
     void writeElement_i(Timeline& timeline, const pwr::DataElement& element);
 
     std::string m_prefix;
+    bool m_hasTimelines;
     CsvFile m_summary;
     std::map<unsigned int, Timeline> m_timelines;    // by the metric's id
     std::set<std::string> m_names;                   // between prefix and ".csv", all different

@@ -7,6 +7,8 @@
 #include "writers/TraceWriter.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string_view>
 
 namespace host {
 
@@ -18,37 +20,51 @@ std::unique_ptr<ResultWriter> make(const std::string& prefix)
     return std::make_unique<Writer>(prefix);
 }
 
-const struct {
-    const char* name;
+std::unique_ptr<ResultWriter> makeSummary(const std::string& prefix)
+{
+    return std::make_unique<CsvWriter>(prefix, false);
+}
+
+struct Row {
+    ResultFormat format;
     std::unique_ptr<ResultWriter> (*make)(const std::string& prefix);
-} FORMATS[] = {
-    {"csv", make<CsvWriter>},   {"jsonl", make<JsonlWriter>},     {"trace", make<TraceWriter>},
-    {"html", make<HtmlWriter>}, {"prom", make<PrometheusWriter>},
 };
+
+const Row ROWS[] = {
+    {{"sum", "summary tables, in PREFIX_summary.csv (default)"}, makeSummary},
+    {{"csv", "the summary tables, and one timeline PREFIX_<metric>.csv for each metric"}, make<CsvWriter>},
+    {{"jsonl", "tables, rows and samples, one JSON object a line, in PREFIX.jsonl"}, make<JsonlWriter>},
+    {{"trace", "samples for trace viewers, in PREFIX.trace.json"}, make<TraceWriter>},
+    {{"html", "a report with tables and charts, in PREFIX.html"}, make<HtmlWriter>},
+    {{"prom", "latest values and totals for Prometheus, once a second, in PREFIX.prom"}, make<PrometheusWriter>},
+};
+
+bool isAmong(const std::vector<std::string>& names, std::string_view name)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
 
 }    // namespace
 
-const std::vector<std::string>& resultNames()
+std::vector<ResultFormat> resultFormats()
 {
-    static const std::vector<std::string> s_names = [] {
-        std::vector<std::string> names;
-        for (const auto& format : FORMATS)
-            names.emplace_back(format.name);
-        return names;
-    }();
-    return s_names;
+    std::vector<ResultFormat> formats;
+    for (const Row& row : ROWS)
+        formats.push_back(row.format);
+    return formats;
 }
 
 bool Results::add(const std::vector<std::string>& names, const std::string& prefix)
 {
-    const auto& known = resultNames();
     for (const std::string& name : names) {
-        if (std::find(known.begin(), known.end(), name) != known.end()) continue;
+        const auto isMeant = [&name](const Row& row) { return name == row.format.name; };
+        if (std::any_of(std::begin(ROWS), std::end(ROWS), isMeant)) continue;
         m_unknown = name;
         return false;
     }
-    for (const auto& format : FORMATS) {
-        if (std::find(names.begin(), names.end(), format.name) != names.end()) m_writers.push_back(format.make(prefix));
+    for (const Row& row : ROWS) {
+        const bool isContained = row.make == makeSummary && isAmong(names, "csv");
+        if (isAmong(names, row.format.name) && !isContained) m_writers.push_back(row.make(prefix));
     }
     return true;
 }

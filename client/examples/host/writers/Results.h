@@ -8,8 +8,14 @@
 
 namespace host {
 
-// The names that --result takes, in the order of help texts.
-const std::vector<std::string>& resultNames();
+// What --result names.
+struct ResultFormat {
+    const char* name;
+    const char* description;
+};
+
+// In the order of help texts; the first is what is written unless another is asked for.
+std::vector<ResultFormat> resultFormats();
 
 // The writers of the result files of one run.
 //
@@ -18,7 +24,8 @@ const std::vector<std::string>& resultNames();
 //   if (!results.open()) complain(results.getError());
 class Results {
 public:
-    // One writer for each name, once, for files that begin with `prefix`. False at a name that nobody has.
+    // One writer for each name, once, for files that begin with `prefix`; "csv" contains "sum". False at a name that
+    // nobody has.
     bool add(const std::vector<std::string>& names, const std::string& prefix);
     bool open();
 
