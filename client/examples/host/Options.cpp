@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "tracing/TraceRun.h"
+
 #include "usage/UsageText.h"
 
 #include <algorithm>
@@ -70,6 +72,12 @@ bool setProgram(Options& options, const std::string& value)
     return !value.empty();
 }
 
+bool setTrace(Options& options, const std::string& value)
+{
+    options.trace = value;
+    return TraceRun::isFileName(value);
+}
+
 template <std::string Options::*text>
 bool setText(Options& options, const std::string& value)
 {
@@ -135,6 +143,8 @@ const Row ROWS[] = {
     {"--plugin-dir", "DIR", "a folder",
      "load the plugin modules of DIR, beside those of the folder plugins at the program", setText<&Options::pluginDir>},
     {"--quiet", nullptr, nullptr, "show no progress on the terminal", setFlag<&Options::quiet>},
+    {"--trace", "FILE.etl", "a file that ends in .etl, which stands nowhere else in its path",
+     "trace phases and rounds of the collection, and print them from the merged FILE_Capture.etl", setTrace},
     {"--list", nullptr, nullptr, "say which features this machine offers, and why others are not",
      setFlag<&Options::list>},
     {"--usage-json", nullptr, nullptr, "print the tool's options as JSON", setFlag<&Options::usageJson>},
@@ -143,7 +153,7 @@ const Row ROWS[] = {
 // What has no meaning where a saved session is processed.
 const char* const COLLECTING[] = {
     "--no-post-processing", "--feature", "--max-detail", "--interval", "--program", "--startdelay", "--time",
-    "--program-delay",      "--config",  "--sysroot",    "--list"};
+    "--program-delay",      "--config",  "--sysroot",    "--list",     "--trace"};
 
 // The tool's description: which abbreviation stands for which option.
 class Described : public pwr::usage::UsageText {

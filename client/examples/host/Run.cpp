@@ -31,7 +31,8 @@ namespace host {
 
 Run::Run(const Options& options, const std::vector<std::string>& arguments, const Console& console)
     : m_options(options), m_arguments(arguments), m_console(console), m_startTimeval(pwr::QVNanoClock().getTimestamp()),
-      m_modules([this](const std::string& line) { say_i(line); })
+      m_modules([this](const std::string& line) { say_i(line); }),
+      m_trace(options.trace, console.out, [this](const std::string& line) { say_i(line); })
 {
 }
 
@@ -264,7 +265,9 @@ int Run::makeResults_i()
     orderFeatures_i();
     Results results;
     if (!m_options.noPostProcessing && !openResults_i(results)) return EXIT_RUN;
-    return measure_i(results);
+    if (!m_trace.begin()) return EXIT_RUN;
+    const int status = measure_i(results);
+    return m_trace.end() ? status : EXIT_RUN;
 }
 
 // Over-time data need more than summaries.
@@ -351,7 +354,7 @@ int Run::record_i(OutputStream& stream)
     m_stop = std::make_unique<StopSignal>();
     if (!m_saved.open(m_options.output + ".qvs"))
         return fail_i(EXIT_RUN, m_saved.getError() + ": give --output a prefix that can be written");
-    auto collection = std::make_unique<Collection>(m_record, *m_collectors, m_chosen);
+    auto collection = std::make_unique<Collection>(m_record, m_trace.watch(*m_collectors), m_chosen);
     collection->saveTo(m_saved);
     if (m_options.noPostProcessing) collection->saveOnly();
     if (!startProgram_i()) return EXIT_RUN;

@@ -11,6 +11,7 @@
 #include "sessions/SessionReader.h"
 #include "sessions/SessionWriter.h"
 #include "system/System.h"
+#include "tracing/TraceRun.h"
 
 #include "record/SystemMetadata.h"
 
@@ -87,6 +88,7 @@ private:
     Plugin::Params m_params;                        // for the plugins
     std::vector<Feature> m_features;
     std::vector<FeaturePlugin*> m_chosen;
+    TraceRun m_trace;
     std::ifstream m_input;    // a saved session
     std::unique_ptr<SessionReader> m_reader;
     SessionWriter m_saved;

@@ -25,6 +25,7 @@ Session::Session(std::ostream& errors) : m_errorLogger(errors), m_previous(g_plu
     m_environment.setNullLogger(&m_silentLogger);
     m_environment.setDefaultClock(&m_clock.getSource());
     g_pluginEnvironment = &m_environment;
+    m_environment.setQuorvaneDirectory("");    // the program's, whatever is given
     pwr::UniqueId::initialize();
 }
 
