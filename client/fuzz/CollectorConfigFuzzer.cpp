@@ -1,6 +1,7 @@
 // Input: a collector configuration file, read with two collectors of which the second has a kind that doesn't work.
 // Invariant: no crash, no leak; a load fails with a fatal line or succeeds without one; logging everything changes
-// nothing that the queries tell; after a failure the next load works.
+// nothing that the queries tell; the statements name the operations of each message, no more and no less; after a
+// failure the next load works.
 
 #include "InputFile.h"
 
@@ -14,6 +15,7 @@
 #include "record/SystemMetadata.h"
 
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -79,6 +81,25 @@ void tellMessage(Texts& told, InputMsg& message)
     if (message.execute(results) != 0 && message.getCommand() != QVOpCommand::WRITE) std::abort();
 }
 
+// The origins of a loaded configuration speak of the model as it is.
+void tellOrigins(Texts& told, const std::string& names)
+{
+    ConfigOrigins origins;
+    told.push_back(std::to_string(
+        QVConfigFileParser::instance()->getOrigins(origins, {{"FMS", "6.142.9"}, {"CORES", "4"}}, names, "FEAT")));
+    std::map<std::string, std::set<std::string>> named;
+    for (const ConfigOrigins::Statement& one : origins.statements) {
+        told.push_back(std::to_string(one.line) + one.message + one.matchedSpecifier);
+        if (one.isAvailable && !one.operation.empty()) named[one.message].insert(one.operation);
+    }
+    for (const InputMsg* message : origins.messages) {
+        std::set<std::string> known;
+        for (const Operation* operation : *message)
+            known.insert(operation->getName());
+        if (known != named[message->getFullName()]) std::abort();
+    }
+}
+
 // What the queries tell of the platforms that the input is likely to name.
 Texts tell()
 {
@@ -92,6 +113,7 @@ Texts tell()
         }
     }
     for (const char* names : {"F=ALL", "F=PLATA", "F=PLATA-B,F=PLATA", ""}) {
+        tellOrigins(told, names);
         std::vector<const ConfigCap*> caps;
         config->getCapabilitiesFor(caps, names);
         for (const ConfigCap* cap : caps)

@@ -147,13 +147,15 @@ const Row ROWS[] = {
      "trace phases and rounds of the collection, and print them from the merged FILE_Capture.etl", setTrace},
     {"--list", nullptr, nullptr, "say which features this machine offers, and why others are not",
      setFlag<&Options::list>},
+    {"--explain", "FEATURE", "the name of a feature",
+     "say what a feature resolves to on this machine, with files and lines", setText<&Options::explain>},
     {"--usage-json", nullptr, nullptr, "print the tool's options as JSON", setFlag<&Options::usageJson>},
 };
 
 // What has no meaning where a saved session is processed.
 const char* const COLLECTING[] = {
     "--no-post-processing", "--feature", "--max-detail", "--interval", "--program", "--startdelay", "--time",
-    "--program-delay",      "--config",  "--sysroot",    "--list",     "--trace"};
+    "--program-delay",      "--config",  "--sysroot",    "--list",     "--trace",   "--explain"};
 
 // The tool's description: which abbreviation stands for which option.
 class Described : public pwr::usage::UsageText {

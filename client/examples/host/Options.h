@@ -25,6 +25,7 @@ struct Options {
     std::string outputConfig;                 // empty: the host's own
     std::string sysroot;                      // empty: this machine
     std::string pluginDir;                    // folder with more modules than those beside the program; empty: none
+    std::string explain;                      // a feature to explain; empty: none
     std::string trace;                        // ends in ".etl"; empty: no trace
     bool quiet = false;
     bool list = false;

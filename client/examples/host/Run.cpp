@@ -2,6 +2,7 @@
 
 #include "Collection.h"
 #include "ConfigFiles.h"
+#include "Explain.h"
 #include "Platforms.h"
 #include "ProgramRecord.h"
 #include "Progress.h"
@@ -68,6 +69,8 @@ int Run::execute()
     if (!loadCollectorConfig_i()) return EXIT_RUN;
     openFeatures_i();
     if (m_options.list) return list_i();
+    if (!m_options.explain.empty())
+        return explainFeatures(m_options.explain, m_features, m_record, m_params, m_console);
     const int status = chooseFeatures_i();
     return status == EXIT_GOOD ? collect_i() : status;
 }

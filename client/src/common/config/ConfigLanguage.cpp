@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <memory>
 
 namespace pwr {
@@ -26,6 +27,9 @@ bool isBlank(char c)
 class LineBlocks {
 public:
     explicit LineBlocks(FILE* fp) : m_stream(fp), m_block(std::size_t{1} << 16, '\0') {}
+
+    // Of all that was read so far. A file is read in the same pieces each time.
+    std::size_t getFingerprint() const { return m_fingerprint; }
 
     // False at the end, and on a read error. The line is good until the next call.
     bool next(std::string_view& line)
@@ -54,6 +58,8 @@ private:
         m_begin = 0;
         if (m_end == m_block.size()) m_block.resize(2 * m_end);
         const std::size_t got = std::fread(m_block.data() + m_end, 1, m_block.size() - m_end, m_stream);
+        m_fingerprint =
+            31 * m_fingerprint + std::hash<std::string_view>()(std::string_view(m_block).substr(m_end, got));
         m_end += got;
         return got != 0;
     }
@@ -69,6 +75,7 @@ private:
     std::string m_block;
     std::size_t m_begin = 0;    // of what is not handed out yet
     std::size_t m_end = 0;
+    std::size_t m_fingerprint = 0;
 };
 
 // Moves what stands before `separator` from `rest` to `field`; false without one.
@@ -138,8 +145,11 @@ bool ConfigLanguage::isFileRead_i(const std::string& path)
     LineBlocks lines(opened);
     std::string_view line;
     bool isDone = true;
-    while (isDone && lines.next(line))
+    for (m_lineNumber = 0; isDone && lines.next(line);) {
+        ++m_lineNumber;
         isDone = readLine_i(line);
+    }
+    m_fingerprint = lines.getFingerprint();
     if (isDone && std::feof(opened) != 0) return true;
     complain("ERROR parsing config file ", path);
     return false;

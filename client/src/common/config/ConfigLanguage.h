@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -40,6 +42,11 @@ protected:
     // reason stands in the error log and on the standard error stream.
     bool readFile_i(const std::string& path);
 
+    // Of the file that is or was read last: the number of the current line, from 1, and when it is read wholly a
+    // fingerprint, by which a change of its content is noticed.
+    std::uint32_t lineNumber_i() const { return m_lineNumber; }
+    std::size_t fingerprint_i() const { return m_fingerprint; }
+
     // The rule of one statement; false fails the line. May throw a std::string, which fails it too.
     virtual bool statementRule_i(const ConfigStatement& statement) = 0;
 
@@ -72,6 +79,9 @@ protected:
 private:
     bool readLine_i(std::string_view line);
     bool isFileRead_i(const std::string& path);
+
+    std::uint32_t m_lineNumber = 0;
+    std::size_t m_fingerprint = 0;
 };
 
 }    // namespace pwr

@@ -3,6 +3,7 @@
 #include "config/ConfigCap.h"
 #include "config/InputMsg.h"
 #include "config/Operation.h"
+#include "config/OriginReader.h"
 #include "config/Platform.h"
 #include "config/Specifier.h"
 #include "config/pw_utils.h"
@@ -66,7 +67,11 @@ bool Parser::load(const std::vector<std::string>& files, const std::vector<Colle
         if (collector != nullptr) m_providers.addCollector(*collector, system);
     }
     for (const std::string& path : files) {
-        if (readFile_i(path)) continue;
+        if (readFile_i(path)) {
+            m_files.push_back({path, fingerprint_i()});
+            continue;
+        }
+        m_failedFile = path;
         QV_STREAM_FATAL << "ERROR parsing config file " << path << "!";
         return false;
     }
@@ -245,6 +250,33 @@ int Parser::getCapabilitiesFor(std::vector<const ConfigCap*>& capabilities, cons
             capabilities.push_back(cap.get());
         }
     }
+    return 0;
+}
+
+int Parser::getOrigins(ConfigOrigins& origins, const std::vector<std::pair<std::string, std::string>>& specifiers,
+                       const std::string& platformNames, const std::string& prefix) const
+{
+    origins = {};
+    std::vector<Platform*> platforms;
+    if (!getAllPlatforms_i(platforms, platformNames)) {
+        complainOfNames(platformNames);
+        return -1;
+    }
+    if (!m_failedFile.empty()) {
+        QV_STREAM_ERROR << "config file " << m_failedFile << " was not read to its end: nobody can tell what it says";
+        return -1;
+    }
+    OriginReader reader(origins, platforms, prefix, specifiers, m_providers);
+    for (const LoadedFile& file : m_files) {
+        if (reader.read(file.path, file.fingerprint)) continue;
+        QV_STREAM_ERROR << "config file " << file.path << " has changed since it was loaded!";
+        origins = {};
+        return -1;
+    }
+    reader.finish();
+    std::vector<InputMsg*> messages;
+    getMessagesForPrefix_i(messages, platformNames, prefix);
+    origins.messages.assign(messages.begin(), messages.end());
     return 0;
 }
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 class CollectorPlugin;
@@ -22,6 +23,7 @@ class InputMsg;
 class Operation;
 class Platform;
 class SystemMetadata;
+struct ConfigOrigins;
 enum class CollectionType : std::uint32_t;
 enum class QVOpCommand : std::uint32_t;
 
@@ -70,6 +72,8 @@ public:
     int getMessagesFor(std::vector<InputMsg*>& messages, const std::string& platformNames, const std::string& prefix,
                        const std::vector<std::string>& triggers, CollectionType type) const;
     int getCapabilitiesFor(std::vector<const ConfigCap*>& capabilities, const std::string& platformNames) const;
+    int getOrigins(ConfigOrigins& origins, const std::vector<std::pair<std::string, std::string>>& specifiers,
+                   const std::string& platformNames, const std::string& prefix) const;
 
     // Null: no collector provides this kind of operation.
     CollectorPlugin* getCollectorFor(std::string_view operation) const;
@@ -97,6 +101,12 @@ private:
     struct OperationIndex {
         std::size_t indexed = 0;
         TextMap<Operation*> byName;
+    };
+
+    // What is kept of a file: its lines are read again when somebody asks where they stand.
+    struct LoadedFile {
+        std::string path;
+        std::size_t fingerprint;
     };
 
     bool areParentsKnown_i() const;
@@ -179,6 +189,8 @@ private:
     bool directValue_i(const ConfigStatement& statement);
 
     OperationProviders m_providers;
+    std::vector<LoadedFile> m_files;                                              // read to the end
+    std::string m_failedFile;                                                     // empty: none
     std::map<std::string, std::unique_ptr<Platform>, std::less<>> m_platforms;    // name order is the order of scans
     std::map<std::string, std::vector<Platform*>, std::less<>> m_orphans;         // by the parent that they wait for
     std::unordered_map<const InputMsg*, OperationIndex> m_operationIndexes;

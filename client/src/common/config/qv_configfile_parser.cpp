@@ -61,4 +61,12 @@ int QVConfigFileParser::getCapabilitiesFor(std::vector<const ConfigCap*>& capabi
     return Parser::loaded() != nullptr ? Parser::loaded()->getCapabilitiesFor(capabilities, platformNames) : -1;
 }
 
+int QVConfigFileParser::getOrigins(ConfigOrigins& origins,
+                                   const std::vector<std::pair<std::string, std::string>>& specifiers,
+                                   const std::string& platformNames, const std::string& prefix) const
+{
+    origins = {};
+    return Parser::loaded() != nullptr ? Parser::loaded()->getOrigins(origins, specifiers, platformNames, prefix) : -1;
+}
+
 }    // namespace pwr
