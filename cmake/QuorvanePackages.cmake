@@ -40,7 +40,7 @@ if(NOT TARGET nlohmann_json::nlohmann_json)
 endif()
 ]])
 
-# For readers of the Common Package Specification, whose own word for the place of a package is @prefix@.
+# For readers of CPS files, whose own word for the place of a package is @prefix@.
 set(prefix "@prefix@")
 if(WIN32)
     set(kernel windows)

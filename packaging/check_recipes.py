@@ -1,6 +1,6 @@
 """Checks what no tool at hand runs: check_recipes.py QUORVANE_CPS VERSION
 
-The package description for readers of the Common Package Specification, the vcpkg port and the Conan recipe: their
+The package description for readers of CPS files, the vcpkg port and the Conan recipe: their
 syntax, that they tell this version, and that they declare what the public headers need.
 """
 
