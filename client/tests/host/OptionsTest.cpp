@@ -126,6 +126,9 @@ TEST(OptionsTest, EachOptionTellsWhatItCanNotTake)
         {{"--config"}, "a folder", {"-1", huge, "abc"}},
         {{"--output-config"}, "a file", {"-1", huge, "abc"}},
         {{"--sysroot"}, "a folder", {"-1", huge, "abc"}},
+        {{"--plugin-dir"}, "a folder", {"-1", huge, "abc"}},
+        {{"--explain"}, "the name of a feature", {"-1", huge, "abc"}},
+        {{"--trace"}, "a file that ends in .etl, which stands nowhere else in its path", {}},
         {{"--help", "-h"}, "", {}},
         {{"--version", "-v"}, "", {}},
         {{"--print-fms"}, "", {}},
@@ -134,6 +137,7 @@ TEST(OptionsTest, EachOptionTellsWhatItCanNotTake)
         {{"--max-detail", "-m"}, "", {}},
         {{"--polling"}, "", {}},
         {{"--list"}, "", {}},
+        {{"--quiet"}, "", {}},
         {{"--usage-json"}, "", {}},
     };
     std::string error;
@@ -183,6 +187,8 @@ TEST(OptionsTest, WhatThisHostCanNotDoItSays)
          "--update-usage-consent is not for this host: it collects no usage data that one could opt in to"},
         {{"-t", "3", "-i", "run.qvs"},
          "-t is about a collection, and --input processes one that was saved: give one of the two"},
+        {{"-i", "run.qvs", "--plugin-dir", "modules"},
+         "--plugin-dir is about a collection, and --input processes one that was saved: give one of the two"},
         {{"--input", "run.qvs", "--no-post-processing"},
          "--no-post-processing is about a collection, and --input processes one that was saved: give one of the two"},
     };
