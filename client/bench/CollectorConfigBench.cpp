@@ -1,3 +1,5 @@
+#include "ConfigFloor.h"
+
 #include "config/InputMsg.h"
 #include "config/Operation.h"
 #include "config/qv_configfile_parser.h"
@@ -13,11 +15,9 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -73,18 +73,16 @@ public:
 
 // A configuration of that many lines: platforms in chains of five, each with features of ten lines. Platforms and
 // features grow with it: 200 and 50 for 100,000 lines. Removed at the end.
-class ConfigFile {
+class ConfigFile : public bench::ConfigPath {
 public:
     explicit ConfigFile(std::int64_t lines) : m_linesLeft(lines)
     {
-        const std::string name = "quorvane_bench_" + std::to_string(std::random_device{}()) + ".conf";
-        m_path = (std::filesystem::temp_directory_path() / name).string();
         std::int64_t platforms = 20;
         while (platforms * platforms * 10 / 4 < lines)
             platforms += 20;
         const std::int64_t prefixes = lines / platforms / 10;
 
-        std::ofstream out(m_path, std::ios::binary);
+        std::ofstream out(path(), std::ios::binary);
         write_i(out, "ALL_MODEL_OS_CONSTANT_VALUE=any");
         for (std::int64_t i = 0; i < platforms; ++i)
             writePlatform_i(out, i, prefixes);
@@ -92,11 +90,6 @@ public:
             write_i(out, "ALL_REST_R" + std::to_string(m_linesLeft) + "_CONSTANT_VALUE=1");
         if (!out.flush()) std::abort();
     }
-    ~ConfigFile() { std::filesystem::remove(m_path); }
-    ConfigFile(const ConfigFile&) = delete;
-    ConfigFile& operator=(const ConfigFile&) = delete;
-
-    const std::string& path() const { return m_path; }
 
     // The deepest platform of the middle chain, and the processor that selects it.
     const std::string& platform() const { return m_platform; }
@@ -149,7 +142,6 @@ private:
     }
 
     std::int64_t m_linesLeft;
-    std::string m_path;
     std::string m_platform;
     std::string m_processor;
 };
@@ -184,22 +176,7 @@ void BM_CollectorConfigFloor(benchmark::State& state)
 {
     const ConfigFile& file = fileOf(state.range(0));
     for (auto _ : state) {
-        std::ifstream in(file.path(), std::ios::binary);
-        std::string line;
-        std::int64_t count = 0;
-        for (; std::getline(in, line); ++count) {
-            std::array<std::string, 6> fields;
-            std::size_t begin = 0;
-            for (std::size_t i = 0; i < 5; ++i) {
-                const std::size_t end = line.find(i < 4 ? '_' : '=', begin);
-                fields[i] = line.substr(begin, end - begin);
-                begin = end + 1;
-            }
-            fields[5] = line.substr(begin);
-            benchmark::DoNotOptimize(fields.data());
-            benchmark::ClobberMemory();
-        }
-        if (count != state.range(0)) std::abort();
+        if (bench::splitLines(file.path()) != state.range(0)) std::abort();
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }

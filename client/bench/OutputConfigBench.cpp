@@ -1,3 +1,5 @@
+#include "ConfigFloor.h"
+
 #include "config/OutputConfig.h"
 #include "record/SystemMetadata.h"
 
@@ -6,9 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <random>
 #include <string>
 
 using namespace pwr;
@@ -18,23 +18,16 @@ namespace {
 constexpr std::int64_t LINES = 100000;
 
 // A file of that many settings, eight for each table and four tables for each metric; removed at the end.
-class ConfigFile {
+class ConfigFile : public bench::ConfigPath {
 public:
     ConfigFile()
     {
-        const std::string name = "quorvane_bench_" + std::to_string(std::random_device{}()) + ".conf";
-        m_path = (std::filesystem::temp_directory_path() / name).string();
-        std::ofstream out(m_path, std::ios::binary);
+        std::ofstream out(path(), std::ios::binary);
         for (std::int64_t i = 0; i < LINES; ++i) {
             writeLine_i(out, i);
         }
         if (!out.flush()) std::abort();
     }
-    ~ConfigFile() { std::filesystem::remove(m_path); }
-    ConfigFile(const ConfigFile&) = delete;
-    ConfigFile& operator=(const ConfigFile&) = delete;
-
-    const std::string& path() const { return m_path; }
 
 private:
     static void writeLine_i(std::ostream& out, std::int64_t i)
@@ -55,8 +48,6 @@ private:
         out << "ALL_FEATURE-" << metric / 10 << "_METRIC-" << metric % 10 << '_'
             << tables[static_cast<std::size_t>(table % 4)] << '_' << keys[static_cast<std::size_t>(i % 8)] << '\n';
     }
-
-    std::string m_path;
 };
 
 // The floor: the same file, each line split into six texts.
@@ -64,22 +55,7 @@ void BM_OutputConfigFloor(benchmark::State& state)
 {
     const ConfigFile file;
     for (auto _ : state) {
-        std::ifstream in(file.path(), std::ios::binary);
-        std::string line;
-        std::int64_t count = 0;
-        for (; std::getline(in, line); ++count) {
-            std::array<std::string, 6> fields;
-            std::size_t begin = 0;
-            for (std::size_t i = 0; i < 5; ++i) {
-                const std::size_t end = line.find(i < 4 ? '_' : '=', begin);
-                fields[i] = line.substr(begin, end - begin);
-                begin = end + 1;
-            }
-            fields[5] = line.substr(begin);
-            benchmark::DoNotOptimize(fields.data());
-            benchmark::ClobberMemory();
-        }
-        if (count != LINES) std::abort();
+        if (bench::splitLines(file.path()) != LINES) std::abort();
     }
     state.SetItemsProcessed(state.iterations() * LINES);
 }

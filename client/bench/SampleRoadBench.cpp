@@ -1,15 +1,12 @@
+#include "StreamSession.h"
+
 #include "metrics/Metric.h"
 #include "output/TableMessage.h"
-#include "output/WriterPlugin.h"
-#include "output/WriterStream.h"
-#include "plugins/PluginEnvironment.h"
-#include "plugins/QuorvaneHost.h"
 #include "record/SystemMetadata.h"
 #include "values/Description.h"
 #include "values/EntityHandle.h"
 #include "values/Handles.h"
 #include "values/Quantity.h"
-#include "values/UniqueId.h"
 
 #include <benchmark/benchmark.h>
 
@@ -18,7 +15,6 @@
 #include <map>
 #include <memory>
 #include <random>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -32,21 +28,10 @@ constexpr std::uint64_t INTERVAL_TICKS = 100'000;
 constexpr std::size_t ROAD_STATES = 4;
 constexpr std::uint64_t VALUES = 16;
 
-class IdleWriter : public WriterPlugin {
-public:
-    IdleWriter() : WriterPlugin("idle") {}
-    ~IdleWriter() override = default;
-    int openOutput() override { return 0; }
-    int closeOutput() override { return 0; }
-};
-
 // A host with one writer that does nothing and no output configuration, so that every summary is made.
-struct Session {
+struct Session : bench::StreamSession {
     Session(std::size_t entityCount, std::size_t stateCount)
     {
-        g_pluginEnvironment = &environment;
-        UniqueId::initialize();
-        stream = QuorvaneHost::createWriterStream(writers);
         environment.setWriterStream(stream);
         system.qvaClockFreqMHz = 1000;
         for (std::size_t i = 0; i < entityCount; ++i) {
@@ -56,19 +41,7 @@ struct Session {
             states.push_back(DataDescriptor::create(DataDescriptorBuilder("C" + std::to_string(i), "")));
         }
     }
-    ~Session()
-    {
-        QuorvaneHost::destroyWriterStream(stream);
-        UniqueId::destroy();
-        g_pluginEnvironment = nullptr;
-    }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
 
-    PluginEnvironment environment;
-    IdleWriter writer;
-    std::set<WriterPlugin*> writers{&writer};
-    WriterStream* stream = nullptr;
     SystemMetadata system;
     std::vector<const EntityHandle*> entities;
     std::vector<const DataDescriptor*> states;

@@ -1,15 +1,12 @@
+#include "StreamSession.h"
+
 #include "output/TableMessage.h"
-#include "output/WriterPlugin.h"
-#include "output/WriterStream.h"
-#include "plugins/PluginEnvironment.h"
-#include "plugins/QuorvaneHost.h"
 #include "values/EntityHandle.h"
-#include "values/UniqueId.h"
 
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
-#include <set>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,16 +19,8 @@ constexpr unsigned int ENTITY_FIELDS = 4;
 constexpr unsigned int ENTITIES = 16;
 constexpr unsigned int CELLS = SHARED_FIELDS + ENTITY_FIELDS * ENTITIES;
 
-class IdleWriter : public WriterPlugin {
-public:
-    IdleWriter() : WriterPlugin("idle") {}
-    ~IdleWriter() override = default;
-    int openOutput() override { return 0; }
-    int closeOutput() override { return 0; }
-};
-
 // Looks at every set cell.
-class WalkingWriter : public IdleWriter {
+class WalkingWriter : public bench::IdleWriter {
 private:
     int writeMessage(const TableMessage& table) override
     {
@@ -42,12 +31,9 @@ private:
 };
 
 // A host with one writer and a created table.
-struct Session {
-    explicit Session(WriterPlugin& writer) : writers{&writer}
+struct Session : bench::StreamSession {
+    explicit Session(std::shared_ptr<WriterPlugin> writer) : StreamSession(std::move(writer))
     {
-        g_pluginEnvironment = &environment;
-        UniqueId::initialize();
-        stream = QuorvaneHost::createWriterStream(writers);
         for (unsigned int i = 0; i < ENTITIES; ++i) {
             entities.push_back(EntityHandle::create("Core_" + std::to_string(i), nullptr));
             table.addEntity(entities.back());
@@ -58,18 +44,7 @@ struct Session {
         }
         table.createTable();
     }
-    ~Session()
-    {
-        QuorvaneHost::destroyWriterStream(stream);
-        UniqueId::destroy();
-        g_pluginEnvironment = nullptr;
-    }
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
 
-    PluginEnvironment environment;
-    std::set<WriterPlugin*> writers;
-    WriterStream* stream = nullptr;
     std::vector<const EntityHandle*> entities;
     TableMessage table{"Table", nullptr};
 };
@@ -91,8 +66,7 @@ void fillRow(TableMessage& table, const std::vector<const EntityHandle*>& entiti
 template <typename Writer>
 void refill(benchmark::State& state)
 {
-    Writer writer;
-    Session session(writer);
+    Session session(std::make_shared<Writer>());
     std::uint64_t round = 0;
     for (auto _ : state) {
         fillRow(session.table, session.entities, ++round);
@@ -138,7 +112,7 @@ BENCHMARK(BM_TableFloor);
 // Refilling a created TableMessage allocates nothing; rows/s (a row is 4 shared cells and 4 for each of 16 entities).
 void BM_TableRefill(benchmark::State& state)
 {
-    refill<IdleWriter>(state);
+    refill<bench::IdleWriter>(state);
 }
 BENCHMARK(BM_TableRefill);
 
