@@ -10,7 +10,6 @@
 #include "config/Operation.h"
 #include "config/qv_configfile_parser.h"
 #include "plugins/CollectorPlugin.h"
-#include "plugins/PluginEnvironment.h"
 #include "record/Metadata.h"
 #include "record/SystemMetadata.h"
 
@@ -144,23 +143,15 @@ Run load(unsigned short verbosity)
     second.addOperation(new KeyedOperation("OTHER", nullptr));
     second.addOperation(new KeyedOperation("ABSENT", &unmet));
 
-    TextLogger errors;
-    TextLogger debug;
-    PluginEnvironment environment;
-    environment.setVerbosity(verbosity);
-    environment.setErrorLogger(&errors);
-    environment.setDebugLogger(&debug);
-    g_pluginEnvironment = &environment;
-
+    const LoggedEnvironment environment(verbosity);
     auto* config = QVConfigFileParser::instance();
     const SystemMetadata system;
     Run run{};
     run.result = config->parse({"input"}, {&first, &second}, system);
-    run.isFatal = errors.text.find("0FATAL: ") != std::string::npos;
+    run.isFatal = environment.errors.text.find("0FATAL: ") != std::string::npos;
     run.told = tell();
     if (config->parse({}, {}, system) != 0) std::abort();
     config->destroy();
-    g_pluginEnvironment = nullptr;
     return run;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plugins/PluginEnvironment.h"
 #include "runtime/Logger.h"
 #include "runtime/os/Os.h"
 
@@ -41,4 +42,25 @@ class TextLogger : public Logger {
 public:
     void writeOut() override { text.append(m_buffer.begin(), m_buffer.end()); }
     std::string text;
+};
+
+// Published while it lives; keeps what is logged.
+class LoggedEnvironment {
+public:
+    explicit LoggedEnvironment(unsigned short verbosity)
+    {
+        m_environment.setVerbosity(verbosity);
+        m_environment.setErrorLogger(&errors);
+        m_environment.setDebugLogger(&debug);
+        g_pluginEnvironment = &m_environment;
+    }
+    ~LoggedEnvironment() { g_pluginEnvironment = nullptr; }
+    LoggedEnvironment(const LoggedEnvironment&) = delete;
+    LoggedEnvironment& operator=(const LoggedEnvironment&) = delete;
+
+    TextLogger errors;
+    TextLogger debug;
+
+private:
+    PluginEnvironment m_environment;
 };

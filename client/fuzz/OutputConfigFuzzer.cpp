@@ -4,7 +4,6 @@
 #include "InputFile.h"
 
 #include "config/OutputConfig.h"
-#include "plugins/PluginEnvironment.h"
 #include "record/SystemMetadata.h"
 
 #include <cstdint>
@@ -44,18 +43,11 @@ void askForTables(Loaded& loaded, const std::string& metric, const std::string& 
 
 Loaded load(unsigned short verbosity)
 {
-    TextLogger errors;
-    TextLogger rest;
-    PluginEnvironment environment;
-    environment.setErrorLogger(&errors);
-    environment.setDebugLogger(&rest);
-    environment.setVerbosity(verbosity);
-    g_pluginEnvironment = &environment;
-
+    const LoggedEnvironment environment(verbosity);
     auto* config = pwr::WriterInterfaceConfigFileParser::instance();
     Loaded loaded;
     loaded.result = config->parse({"input", "input"}, pwr::SystemMetadata());
-    loaded.hasErrors = !errors.text.empty();
+    loaded.hasErrors = !environment.errors.text.empty();
     config->getFeatureOrder(loaded.features);
     config->getAllFeaturePrefixes(loaded.prefixes);
     const std::set<std::string> features(loaded.prefixes.begin(), loaded.prefixes.end());
@@ -66,7 +58,6 @@ Loaded load(unsigned short verbosity)
             askForTables(loaded, metric, feature);
     }
     config->destroy();
-    g_pluginEnvironment = nullptr;
     return loaded;
 }
 
