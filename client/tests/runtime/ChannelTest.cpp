@@ -77,16 +77,4 @@ TEST_F(ChannelTest, EntryOfAnotherSizeIsNotRead)
               m_log.debug());
 }
 
-TEST_F(ChannelTest, ClosedQueueGivesWhatItHoldsAndThenFails)
-{
-    m_channel.writeRequestMessage_i({0, 0, 1, 2}, "ab", 2);
-    m_channel.writeRequestMessage_i({0, 0, 2, 0}, nullptr, 0);
-    m_channel.closeRequests_i();
-    EXPECT_TRUE(m_channel.readRequestMessage_i(m_message));
-    EXPECT_EQ(18u, m_message.size());
-    EXPECT_TRUE(m_channel.readRequestMessage_i(m_message));
-    EXPECT_FALSE(m_channel.readRequestMessage_i(m_message));
-    EXPECT_FALSE(m_channel.readRequestMessage_i(m_message));
-}
-
 }    // namespace

@@ -130,24 +130,51 @@ TEST_F(EtwMergeTest, FailuresAreToldAndFreeTheLibrary)
     EXPECT_EQ(0, m_libraries.open);
 }
 
+// Threads that never run, as many as there are left.
+class FakeThreads : public pwr::os::Threads {
+public:
+    pwr::os::ThreadHandle createMutex() override { return nullptr; }
+    pwr::os::ThreadHandle createEvent() override { return nullptr; }
+    pwr::os::ThreadHandle startThread(unsigned (*)(void*), void*) override
+    {
+        if (left-- <= 0) return nullptr;
+        ++open;
+        return this;
+    }
+    int wait(pwr::os::ThreadHandle) override { return 0; }
+    int releaseMutex(pwr::os::ThreadHandle) override { return 6; }
+    int setEvent(pwr::os::ThreadHandle) override { return 6; }
+    int setEventAndRelease(pwr::os::ThreadHandle, pwr::os::ThreadHandle) override { return 6; }
+    int close(pwr::os::ThreadHandle) override
+    {
+        --open;
+        return 0;
+    }
+    int processId() override { return 0; }
+
+    int left = 0;
+    int open = 0;
+};
+
 TEST_F(EtwMergeTest, ThreadThatCannotBeStartedIsToldByFalse)
 {
-    class NoThreads : public pwr::os::Threads {
-    public:
-        pwr::os::ThreadHandle createMutex() override { return nullptr; }
-        pwr::os::ThreadHandle createEvent() override { return nullptr; }
-        pwr::os::ThreadHandle startThread(unsigned (*)(void*), void*) override { return nullptr; }
-        int wait(pwr::os::ThreadHandle) override { return 6; }
-        int releaseMutex(pwr::os::ThreadHandle) override { return 6; }
-        int setEvent(pwr::os::ThreadHandle) override { return 6; }
-        int setEventAndRelease(pwr::os::ThreadHandle, pwr::os::ThreadHandle) override { return 6; }
-        int close(pwr::os::ThreadHandle) override { return 6; }
-        int processId() override { return 0; }
-    } noThreads;
-    m_door->threads = &noThreads;
+    FakeThreads threads;
+    m_door->threads = &threads;
     EXPECT_FALSE(mergeLogs("run.etl"));
     waitForMergeComplete();
     EXPECT_EQ("", m_log.debug());
+}
+
+TEST_F(EtwMergeTest, HandleOfAMergeThatNobodyWaitedForIsGivenBack)
+{
+    FakeThreads threads;
+    threads.left = 2;
+    m_door->threads = &threads;
+    EXPECT_TRUE(mergeLogs("run.etl"));
+    EXPECT_TRUE(mergeLogs("run.etl"));
+    EXPECT_EQ(1, threads.open);
+    waitForMergeComplete();
+    EXPECT_EQ(0, threads.open);
 }
 
 }    // namespace

@@ -105,15 +105,11 @@ TEST(EtwReadTest, DataBeginBehindSizeAndOrder)
 {
     char data[] = "\0\0\0\0\0\0\0\0x";
     EVENT_RECORD record{};
+    EXPECT_EQ(nullptr, EtwProvider::ReadStructEvent(&record));
+    EXPECT_EQ(nullptr, EtwProvider::ReadOrderedStructEvent(nullptr));
     record.UserData = data;
-    record.UserDataLength = 8;
     EXPECT_EQ(data + 4, EtwProvider::ReadStructEvent(&record));
     EXPECT_EQ(data + 8, EtwProvider::ReadOrderedStructEvent(&record));
-    record.UserDataLength = 7;
-    EXPECT_EQ(nullptr, EtwProvider::ReadOrderedStructEvent(&record));
-    record.UserDataLength = 3;
-    EXPECT_EQ(nullptr, EtwProvider::ReadStructEvent(&record));
-    EXPECT_EQ(nullptr, EtwProvider::ReadStructEvent(nullptr));
 }
 
 }    // namespace

@@ -4,6 +4,7 @@
 #include "support/DoorGuard.h"
 #include "support/FakeTracing.h"
 #include "support/LogCapture.h"
+#include "support/NoMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -194,12 +195,7 @@ TEST_F(EtwSessionTest, ProvidersAreNamedInInfoOrForTheDebugPrefix)
 
 TEST_F(EtwSessionTest, NoMemoryForTheBlockThrows)
 {
-    class NoMemory : public pwr::os::Memory {
-    public:
-        void* reserve(std::size_t) override { return nullptr; }
-        bool commit(void*, std::size_t) override { return false; }
-        void* allocate(std::size_t) override { return nullptr; }
-    } noMemory;
+    test::NoMemory noMemory;
     m_door->memory = &noMemory;
     EXPECT_THROW(m_session.begin(), std::bad_alloc);
     EXPECT_FALSE(m_session.isBlockThere());

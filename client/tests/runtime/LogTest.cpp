@@ -6,6 +6,7 @@
 
 #include <iomanip>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -74,11 +75,32 @@ TEST(LogTest, StreamFormPutsDigitAndPrefixInFrontAndDiscardsTheRestBare)
     }
 }
 
-TEST(LogTest, FatalLineGoesToTheErrorLoggerWhateverTheVerbosity)
+TEST(LogTest, FatalTextGoesToTheErrorLoggerWhateverTheVerbosity)
 {
     LogCapture log(0);
     QV_STREAM_FATAL << "no memory";
-    EXPECT_EQ("0FATAL: no memory\n", log.errors());
+    QV_LOG_FATAL("FATAL: %s\n", "no file");
+    EXPECT_EQ("0FATAL: no memory\nFATAL: no file\n", log.errors());
+}
+
+class LevelLogger : public test::RecordingLogger {
+public:
+    using Logger::log;
+    void log(int level, const char*) override { levels.push_back(level); }
+    std::vector<int> levels;
+};
+
+TEST(LogTest, LoggersAreToldTheLevelOfAWholeText)
+{
+    LogCapture log;
+    LevelLogger errors;
+    LevelLogger debug;
+    log.environment().setErrorLogger(&errors);
+    log.environment().setDebugLogger(&debug);
+    logAllLevels();
+    QV_LOG_FATAL("FATAL: 0\n");
+    EXPECT_EQ((std::vector<int>{1, 0}), errors.levels);
+    EXPECT_EQ((std::vector<int>{0, 2, 3, 4}), debug.levels);
 }
 
 TEST(LogTest, DebugPrefixLetsItsFamilyOut)
@@ -94,16 +116,9 @@ TEST(LogTest, DebugPrefixLetsItsFamilyOut)
     QV_STREAM_INFO_FOR("etw-session") << "loud";
     QV_LOG_DEBUG_FOR("etw", "DEBUG: part of the name\n");
     EXPECT_EQ("DEBUG: loud\n4INFO: loud\n", log.debug());
-}
-
-TEST(LogTest, ErrorOfADebugFamilyStaysWithTheErrorLogger)
-{
-    LogCapture log(0);
-    log.environment().addPrefixForDebugLogging("meridx");
-    QV_LOG_ERROR_FOR("meridx", "ERROR: x\n");
-    QV_STREAM_WARNING_FOR("meridx") << "y";
+    log.environment().setVerbosity(0);
+    QV_LOG_ERROR_FOR("etw-session", "ERROR: x\n");
     EXPECT_EQ("ERROR: x\n", log.errors());
-    EXPECT_EQ("2WARNING: y\n", log.debug());
 }
 
 int counted(int& calls)

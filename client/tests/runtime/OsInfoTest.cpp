@@ -2,6 +2,7 @@
 
 #include "support/DoorGuard.h"
 #include "support/LogCapture.h"
+#include "support/NoMemory.h"
 
 #include <gtest/gtest.h>
 
@@ -219,17 +220,10 @@ public:
     int failing = 0;
 };
 
-class NoMemory : public os::Memory {
-public:
-    void* reserve(std::size_t) override { return nullptr; }
-    bool commit(void*, std::size_t) override { return false; }
-    void* allocate(std::size_t) override { return nullptr; }
-};
-
 TEST_F(OsInfoTest, EachStepOfAFilesVersionCanFail)
 {
     FakeFileVersions versions;
-    NoMemory noMemory;
+    test::NoMemory noMemory;
     m_door->fileVersions = &versions;
     os::Memory* memory = m_door->memory;
     for (versions.failing = 1; versions.failing <= 4; ++versions.failing) {
@@ -248,7 +242,7 @@ TEST_F(OsInfoTest, EachStepOfAFilesVersionCanFail)
 TEST_F(OsInfoTest, WantOfMemoryThrows)
 {
     std::free(safeMalloc(1));
-    NoMemory noMemory;
+    test::NoMemory noMemory;
     m_door->memory = &noMemory;
     EXPECT_THROW(safeMalloc(1), std::bad_alloc);
 }

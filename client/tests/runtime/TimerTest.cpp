@@ -1,6 +1,7 @@
 #include "runtime/Timer.h"
 
 #include "support/DoorGuard.h"
+#include "support/HandClocks.h"
 #include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
@@ -9,27 +10,17 @@ namespace {
 
 using pwr::Timer;
 
-class FakeClocks : public pwr::os::Clocks {
-public:
-    unsigned long long performanceCounter() override { return 0; }
-    unsigned long long performanceFrequencyHz() override { return 1; }
-    unsigned long long systemTime100ns() override { return now; }
-    unsigned long long timeStampCounter() override { return 0; }
-
-    unsigned long long now = 0;
-};
-
 class TimerTest : public testing::Test {
 protected:
     TimerTest()
     {
-        m_clocks.now = pwr::os::UNIX_EPOCH_100NS + 1000000;
+        m_clocks.wallTime = pwr::os::UNIX_EPOCH_100NS + 1000000;
         m_door->clocks = &m_clocks;
     }
 
-    void passUsecs(unsigned long long usecs) { m_clocks.now += usecs * 10; }
+    void passUsecs(unsigned long long usecs) { m_clocks.wallTime += usecs * 10; }
 
-    FakeClocks m_clocks;
+    test::HandClocks m_clocks;
     test::DoorGuard m_door;
     test::LogCapture m_log{4};
 };

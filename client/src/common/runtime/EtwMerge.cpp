@@ -80,8 +80,10 @@ bool EtwSession::isMergeRequired()
 
 bool EtwSession::mergeLogs(const std::string& resultPath)
 {
+    pwr::os::Threads& threads = *pwr::os::current().threads;
+    if (s_mergeThreadHandle != nullptr) threads.close(s_mergeThreadHandle);    // of a merge that nobody waited for
     s_mergedFilePath = resultPath;
-    s_mergeThreadHandle = pwr::os::current().threads->startThread(&threadEntry, nullptr);
+    s_mergeThreadHandle = threads.startThread(&threadEntry, nullptr);
     return s_mergeThreadHandle != nullptr;
 }
 

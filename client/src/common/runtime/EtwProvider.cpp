@@ -62,7 +62,7 @@ bool isData(const char* data, int size)
 
 char* dataBehind(EVENT_RECORD* record, std::size_t offset)
 {
-    if (record == nullptr || record->UserData == nullptr || record->UserDataLength < offset) return nullptr;
+    if (record == nullptr || record->UserData == nullptr) return nullptr;
     return static_cast<char*>(record->UserData) + offset;
 }
 

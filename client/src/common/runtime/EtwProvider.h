@@ -86,8 +86,8 @@ public:
     // ASCII keeps its meaning.
     virtual bool WriteIntStringPairEvent(const EVENT_DESCRIPTOR* type, unsigned int value, std::string text);
 
-    // Where the data of a struct event begin, in the record's own memory. Null for a record that is too short to be
-    // one.
+    // Where the data of a struct event begin, in the record's own memory: behind the numbers. Null for a record without
+    // user data. Whether the data are there, UserDataLength tells.
     static char* ReadStructEvent(EVENT_RECORD* record);
     static char* ReadOrderedStructEvent(EVENT_RECORD* record);
 

@@ -294,14 +294,14 @@ unsigned long long EtwSession::preparepostProcessLog()
     unsigned long lastError = 0;
     m_handle = tracing().open(logfile, lastError);
     if (m_handle == INVALID_TRACE) {
-        pwr::writeLog(pwr::LogLevel::ERROR_, "FATAL: Cannot open the ETW data file for %s: %s. %s",
-                      m_displayName.c_str(), m_logFile.c_str(), formatErrorMessage(lastError).c_str());
+        QV_LOG_FATAL("FATAL: Cannot open the ETW data file for %s: %s. %s", m_displayName.c_str(), m_logFile.c_str(),
+                     formatErrorMessage(lastError).c_str());
         return INVALID_TRACE;
     }
     const TRACE_LOGFILE_HEADER& header = logfile.LogfileHeader;
     if (header.EventsLost != 0) {
-        pwr::writeLog(pwr::LogLevel::ERROR_, "FATAL: Warning: Lost events detected (%llu) in %s.\n",
-                      static_cast<unsigned long long>(header.EventsLost), m_logFile.c_str());
+        QV_LOG_FATAL("FATAL: Warning: Lost events detected (%llu) in %s.\n",
+                     static_cast<unsigned long long>(header.EventsLost), m_logFile.c_str());
     }
     if (header.PointerSize == 8) return m_handle;
     QV_LOG_WARNING(

@@ -20,6 +20,8 @@ const char* prefixOf(LogLevel level)
         return "DEBUG: ";
     case LogLevel::INFO:
         return "INFO: ";
+    case LogLevel::FATAL:
+        return "FATAL: ";
     default:
         return "";
     }
@@ -28,7 +30,14 @@ const char* prefixOf(LogLevel level)
 Logger* loggerOf(LogLevel level)
 {
     if (g_pluginEnvironment == nullptr) return nullptr;
-    return level == LogLevel::ERROR_ ? g_pluginEnvironment->getErrorLogger() : g_pluginEnvironment->getDebugLogger();
+    const bool isError = level == LogLevel::ERROR_ || level == LogLevel::FATAL;
+    return isError ? g_pluginEnvironment->getErrorLogger() : g_pluginEnvironment->getDebugLogger();
+}
+
+// What a logger is told.
+int numberOf(LogLevel level)
+{
+    return level == LogLevel::FATAL ? 0 : static_cast<int>(level);
 }
 
 }    // namespace
@@ -55,21 +64,17 @@ void writeLog(LogLevel level, const char* format, ...)
         va_end(args);
         text = longText.data();
     }
-    logger->log(static_cast<int>(level), text);
+    logger->log(numberOf(level), text);
 }
 
 LogLine::LogLine(LogLevel level, bool wanted)
 {
     if (g_pluginEnvironment == nullptr) return;
     begin_i(wanted ? loggerOf(level) : g_pluginEnvironment->getNullLogger());
-    if (wanted && m_out != nullptr) *m_out << static_cast<unsigned int>(level) << prefixOf(level);
+    if (wanted && m_out != nullptr) *m_out << numberOf(level) << prefixOf(level);
 }
 
-LogLine::LogLine(Fatal)
-{
-    begin_i(loggerOf(LogLevel::ERROR_));
-    if (m_out != nullptr) *m_out << "0FATAL: ";
-}
+LogLine::LogLine(Fatal) : LogLine(LogLevel::FATAL, true) {}
 
 LogLine::~LogLine()
 {

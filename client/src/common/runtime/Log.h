@@ -16,11 +16,13 @@
 //
 // It always streams its pieces: into the null logger below the verbosity. The forms that end in _FOR also go out when
 // debug logging is enabled for their prefix. Errors go to the error logger, all else to the debug logger; a null
-// environment or a null logger swallows the text.
+// environment or a null logger swallows the text. A fatal text goes to the error logger whatever the verbosity, and
+// tells it level 0.
 
 namespace pwr {
 
-enum class LogLevel : unsigned short { PLAIN = 0, ERROR_ = 1, WARNING = 2, DEBUG_ = 3, INFO = 4 };
+// The numbers are those of the verbosity; FATAL stands outside them.
+enum class LogLevel : unsigned short { PLAIN = 0, ERROR_ = 1, WARNING = 2, DEBUG_ = 3, INFO = 4, FATAL = 5 };
 
 inline bool isLogged(LogLevel level)
 {
@@ -50,7 +52,7 @@ public:
     // A line that is not `wanted` goes to the null logger, without digit and prefix.
     LogLine(LogLevel level, bool wanted);
     struct Fatal {};
-    explicit LogLine(Fatal);    // a fatal line: level digit 0, its own prefix, to the error logger
+    explicit LogLine(Fatal);    // a fatal line
     ~LogLine();
     LogLine(const LogLine&) = delete;
     LogLine& operator=(const LogLine&) = delete;
@@ -86,6 +88,7 @@ private:
     } while (false)
 
 #define QV_LOG_PLAIN(...) ::pwr::writeLog(::pwr::LogLevel::PLAIN, __VA_ARGS__)
+#define QV_LOG_FATAL(...) ::pwr::writeLog(::pwr::LogLevel::FATAL, __VA_ARGS__)
 #define QV_LOG_ERROR(...) QV_LOG_AT_(ERROR_, __VA_ARGS__)
 #define QV_LOG_WARNING(...) QV_LOG_AT_(WARNING, __VA_ARGS__)
 #define QV_LOG_DEBUG(...) QV_LOG_AT_(DEBUG_, __VA_ARGS__)
@@ -115,5 +118,5 @@ private:
 #define QV_STREAM_DEBUG_FOR(prefix) QV_STREAM_AT_FOR_(prefix, DEBUG_)
 #define QV_STREAM_INFO_FOR(prefix) QV_STREAM_AT_FOR_(prefix, INFO)
 
-// To the error logger whatever the verbosity: reads "0FATAL: " and the pieces.
+// Reads "0FATAL: " and the pieces.
 #define QV_STREAM_FATAL ::pwr::LogLine(::pwr::LogLine::Fatal{})

@@ -93,15 +93,6 @@ TEST(ErrorTextsTest, CodeWithoutTextIsTheEmptyTextAndAWarning)
     EXPECT_EQ("WARNING: strerror_s failed to get description of previous error\n", log.debug());
 }
 
-TEST(EnvironmentTest, MissingVariableIsFalse)
-{
-    std::string value = "before";
-    EXPECT_FALSE(current().environment->get("QUORVANE_TEST_NOT_SET", value));
-    EXPECT_EQ("", value);
-    EXPECT_TRUE(current().environment->get("PATH", value));
-    EXPECT_NE("", value);
-}
-
 TEST(ConsoleTest, ErrorTextStandsThereAtOnce)
 {
     testing::internal::CaptureStderr();

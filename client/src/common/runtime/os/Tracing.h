@@ -15,8 +15,8 @@ public:
     // can't be written; 112: disk full; 8: no memory for its buffer. A failure leaves `handle` 0.
     virtual unsigned long start(TRACEHANDLE& handle, const char* session, EVENT_TRACE_PROPERTIES* properties) = 0;
 
-    // ControlTraceA: `code` 0 query, 1 stop, 3 flush; fills `properties`. The session is found by its handle, else by
-    // its name; 4201: there is none.
+    // ControlTraceA: `code` 0 query, 1 stop, 3 flush; fills `properties`, of which the names need not fit. The session
+    // is found by its handle, by its name where that is 0; 4201: there is none, 87: no `properties`.
     virtual unsigned long control(TRACEHANDLE handle, const char* session, EVENT_TRACE_PROPERTIES* properties,
                                   unsigned long code) = 0;
 

@@ -2,6 +2,7 @@
 
 #include "runtime/os/Os.h"
 #include "support/DoorGuard.h"
+#include "support/HandClocks.h"
 
 #include <gtest/gtest.h>
 
@@ -15,18 +16,6 @@
 #include <vector>
 
 namespace test {
-
-// Clocks that stand until they are set: 1000 ticks a second.
-class HandClocks : public pwr::os::Clocks {
-public:
-    unsigned long long performanceCounter() override { return ticks; }
-    unsigned long long performanceFrequencyHz() override { return 1000; }
-    unsigned long long systemTime100ns() override { return wallTime; }
-    unsigned long long timeStampCounter() override { return ticks * 7; }
-
-    unsigned long long ticks = 100;
-    unsigned long long wallTime = 5000;
-};
 
 inline constexpr GUID PROVIDER{0x11223344, 0x5566, 0x7788, {0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF, 0x01}};
 inline constexpr GUID OTHER_PROVIDER{2, 0, 0, {}};

@@ -165,7 +165,8 @@ TEST_F(TracingTest, FailedStartGivesTheWindowsCode)
     EXPECT_EQ(4201U, control(0, "two", EVENT_TRACE_CONTROL_QUERY));
     EXPECT_EQ(4201U, m_tracing.enable(session + 1, test::PROVIDER, 1, 4, 0));
     EXPECT_EQ(0U, control(0, "one", EVENT_TRACE_CONTROL_STOP));    // by its name
-    EXPECT_EQ(4201U, stop(session));
+    running("two", path("2.etl"));
+    EXPECT_EQ(4201U, control(session, "two", EVENT_TRACE_CONTROL_STOP)) << "a handle that is no more";
 }
 
 TEST_F(TracingTest, BlockIsReadWithinItsBounds)

@@ -12,18 +12,14 @@ namespace pwr::os {
 
 namespace {
 
-// The mode with which a stream's bytes are the file's bytes.
-std::string binaryMode(const char* mode)
+// The mode with which a stream's bytes are the file's bytes. One that names an encoding behind a comma is text for
+// good.
+std::string binaryMode(const std::string& mode)
 {
-    std::string binary;
-    bool found = false;
-    for (; *mode != '\0' && *mode != ','; ++mode) {
-        if (*mode == 't') continue;
-        found = found || *mode == 'b';
-        binary += *mode;
-    }
-    if (!found) binary += 'b';
-    return binary + mode;    // what follows a comma names an encoding
+    if (mode.find(',') != std::string::npos) return mode;
+    std::string binary = mode;
+    std::erase(binary, 't');
+    return binary.find('b') == std::string::npos ? binary + 'b' : binary;
 }
 
 int failure()

@@ -26,6 +26,11 @@ public:
     {
         HMODULE library = LoadLibraryA(path.c_str());
         lastError = library == nullptr ? GetLastError() : 0;
+        const bool hasDirectory = path.find_first_of("\\/:") != std::string::npos;
+        if (lastError != ERROR_MOD_NOT_FOUND || hasDirectory) return library;
+        // The plain call knows nothing of the added directories, and this one of nothing else.
+        library = LoadLibraryExA(path.c_str(), nullptr, LOAD_LIBRARY_SEARCH_USER_DIRS);
+        if (library != nullptr) lastError = 0;
         return library;
     }
 

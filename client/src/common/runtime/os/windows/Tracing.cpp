@@ -1,8 +1,20 @@
 #include "runtime/os/Tracing.h"
 
+#include <cstddef>
+
 namespace pwr::os {
 
 namespace {
+
+// What a session is described in. The system tells the names, the file's with its whole path: a block without room for
+// them, as one that was made for a relative path, would turn work that is done into an error (234).
+struct ControlBlock {
+    static constexpr std::size_t NAME_BYTES = 2 * 1024;    // the longest name, of characters of two bytes
+
+    EVENT_TRACE_PROPERTIES head;
+    char session[NAME_BYTES];
+    char file[NAME_BYTES];
+};
 
 class WindowsTracing : public Tracing {
 public:
@@ -17,7 +29,17 @@ public:
     unsigned long control(TRACEHANDLE handle, const char* session, EVENT_TRACE_PROPERTIES* properties,
                           unsigned long code) override
     {
-        return ControlTraceA(handle, session, properties, code);
+        if (properties == nullptr) return ERROR_INVALID_PARAMETER;
+        ControlBlock block{*properties, {}, {}};
+        block.head.Wnode.BufferSize = sizeof block;
+        block.head.LoggerNameOffset = offsetof(ControlBlock, session);
+        block.head.LogFileNameOffset = offsetof(ControlBlock, file);
+        const ULONG status = ControlTraceA(handle, session, &block.head, code);
+        block.head.Wnode.BufferSize = properties->Wnode.BufferSize;
+        block.head.LoggerNameOffset = properties->LoggerNameOffset;
+        block.head.LogFileNameOffset = properties->LogFileNameOffset;
+        *properties = block.head;
+        return status;
     }
 
     unsigned long enable(TRACEHANDLE handle, const GUID& provider, unsigned long code, unsigned char level,

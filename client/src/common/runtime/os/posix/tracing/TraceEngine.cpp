@@ -63,10 +63,9 @@ TraceEngine::~TraceEngine()
 
 TraceEngine::Sessions::iterator TraceEngine::findSession_i(TRACEHANDLE handle, const std::string& name)
 {
-    const auto byHandle = [handle](const auto& session) { return session->handle() == handle; };
-    const auto byName = [&name](const auto& session) { return session->name() == name; };
-    const auto found = std::find_if(m_sessions.begin(), m_sessions.end(), byHandle);
-    return found != m_sessions.end() ? found : std::find_if(m_sessions.begin(), m_sessions.end(), byName);
+    return std::find_if(m_sessions.begin(), m_sessions.end(), [handle, &name](const auto& session) {
+        return handle != 0 ? session->handle() == handle : session->name() == name;
+    });
 }
 
 unsigned long TraceEngine::start(TRACEHANDLE& handle, const char* name, EVENT_TRACE_PROPERTIES* properties)

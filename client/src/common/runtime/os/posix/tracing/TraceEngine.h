@@ -46,7 +46,7 @@ private:
 
     using Sessions = std::vector<std::unique_ptr<TraceSession>>;
 
-    Sessions::iterator findSession_i(TRACEHANDLE handle, const std::string& name);
+    Sessions::iterator findSession_i(TRACEHANDLE handle, const std::string& name);    // handle 0: by the name
     Registration* findRegistration_i(REGHANDLE handle);
     unsigned long stop_i(Sessions::iterator session, EVENT_TRACE_PROPERTIES& properties);
     void routeAll_i();
