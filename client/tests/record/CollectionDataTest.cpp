@@ -2,34 +2,23 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
-void expectEmpty(const CollectionData& data)
+auto fields(const CollectionData& data)
 {
-    EXPECT_EQ(0U, data.getStartTimestamp());
-    EXPECT_EQ(0U, data.getStopTimestamp());
-    EXPECT_EQ(0U, data.getStartTimeval());
-    EXPECT_EQ(0U, data.getStopTimeval());
-    EXPECT_EQ(0U, data.getSamplesProduced());
-    EXPECT_EQ(0U, data.getSamplesDropped());
-    EXPECT_EQ("", data.getClockUUID());
-    EXPECT_EQ("", data.getResultFile());
+    return std::tuple(data.getStartTimestamp(), data.getStopTimestamp(), data.getStartTimeval(), data.getStopTimeval(),
+                      data.getSamplesProduced(), data.getSamplesDropped(), data.getClockUUID(), data.getResultFile());
 }
 
 TEST(CollectionDataTest, EveryFieldHasItsPlaceAndResetEmptiesAll)
 {
     CollectionData data(1, 2, 3, 4, 5, 6, "uuid", "file");
-    EXPECT_EQ(1U, data.getStartTimestamp());
-    EXPECT_EQ(2U, data.getStopTimestamp());
-    EXPECT_EQ(3U, data.getStartTimeval());
-    EXPECT_EQ(4U, data.getStopTimeval());
-    EXPECT_EQ(5U, data.getSamplesProduced());
-    EXPECT_EQ(6U, data.getSamplesDropped());
-    EXPECT_EQ("uuid", data.getClockUUID());
-    EXPECT_EQ("file", data.getResultFile());
+    EXPECT_EQ(std::tuple(1U, 2U, 3U, 4U, 5U, 6U, "uuid", "file"), fields(data));
     data.reset();
-    expectEmpty(data);
-    expectEmpty(CollectionData());
+    EXPECT_EQ(std::tuple(0U, 0U, 0U, 0U, 0U, 0U, "", ""), fields(data));
+    EXPECT_EQ(fields(CollectionData()), fields(data));
 }
 
 }    // namespace

@@ -11,6 +11,8 @@
 
 using namespace pwr;
 using test::bytes;
+using test::cut;
+using test::written;
 
 namespace {
 
@@ -31,13 +33,6 @@ std::unique_ptr<Record> read(const std::vector<char>& stored)
     return std::unique_ptr<Record>(typed);
 }
 
-std::vector<char> written(const Metadata& record)
-{
-    Serializer out;
-    record.serialize(out);
-    return out.get_buffer();
-}
-
 std::string printed(const auto& record)
 {
     std::ostringstream out;
@@ -52,7 +47,7 @@ protected:
     {
         const std::vector<char> whole = bytes(picture);
         for (std::size_t n = 0; n < whole.size(); ++n) {
-            EXPECT_EQ(nullptr, read<Metadata>({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n)})) << n;
+            EXPECT_EQ(nullptr, read<Metadata>(cut(whole, n))) << n;
         }
         return m_log.debug();
     }
@@ -120,39 +115,29 @@ TEST_F(MetadataTest, ACutMsgRecordIsNoRecord)
     EXPECT_EQ(5 * std::string("WARNING: couldn't extract org msg tag!\n").size(), warnings.size());
 }
 
-TEST_F(MetadataTest, ACutMetricRecordSaysWhatIsMissing)
+TEST_F(MetadataTest, ACutRecordOfPairsSaysWhatIsMissing)
 {
-    std::string expected;
-    const auto lacks = [&](const char* field, int cuts) {
-        for (; cuts > 0; --cuts) {
-            expected +=
-                std::string("WARNING: ERROR reading ") + field + " while deserializing metric metadata message!\n";
-        }
+    const struct {
+        const std::string& picture;
+        const char* record;
+        std::vector<std::pair<const char*, int>> cutsOfFields;
+    } cases[] = {
+        {METRIC,
+         "metric",
+         {{"plugin ID", 4}, {"metric ID", 4}, {"map size", 2}, {"key", 3}, {"value", 3}, {"key", 3}, {"value", 3}}},
+        {COLLECTOR, "collector", {{"name", 5}, {"map size", 2}, {"key", 3}, {"value", 3}}},
     };
-    lacks("plugin ID", 4);
-    lacks("metric ID", 4);
-    lacks("map size", 2);
-    lacks("key", 3);
-    lacks("value", 3);
-    lacks("key", 3);
-    lacks("value", 3);
-    EXPECT_EQ(expected, warningsOfCutRecords(METRIC));
-}
-
-TEST_F(MetadataTest, ACutCollectorRecordSaysWhatIsMissing)
-{
-    std::string expected;
-    const auto lacks = [&](const char* field, int cuts) {
-        for (; cuts > 0; --cuts) {
-            expected +=
-                std::string("WARNING: ERROR reading ") + field + " while deserializing collector metadata message!\n";
+    for (const auto& c : cases) {
+        std::string expected;
+        for (const auto& [field, cuts] : c.cutsOfFields) {
+            for (int i = 0; i < cuts; ++i) {
+                expected += std::string("WARNING: ERROR reading ") + field + " while deserializing " + c.record +
+                            " metadata message!\n";
+            }
         }
-    };
-    lacks("name", 5);
-    lacks("map size", 2);
-    lacks("key", 3);
-    lacks("value", 3);
-    EXPECT_EQ(expected, warningsOfCutRecords(COLLECTOR));
+        m_log.clear();
+        EXPECT_EQ(expected, warningsOfCutRecords(c.picture));
+    }
 }
 
 TEST_F(MetadataTest, OnlyTheTagOfAnOperationMayBeMissing)
@@ -160,7 +145,7 @@ TEST_F(MetadataTest, OnlyTheTagOfAnOperationMayBeMissing)
     const std::vector<char> whole = bytes(OPERATION);
     const std::size_t required = whole.size() - 5;
     for (std::size_t n = 0; n < whole.size(); ++n) {
-        const auto record = read<OperationMetadata>({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n)});
+        const auto record = read<OperationMetadata>(cut(whole, n));
         EXPECT_EQ(n >= required, record != nullptr) << n;
         if (record) {
             EXPECT_EQ("Operation Meta: Name = op, Operation = MSR, Size = 8", printed(*record));
@@ -232,12 +217,6 @@ TEST_F(MetadataTest, AnUnknownTagIsTold)
     std::string told = testing::internal::GetCapturedStderr();
     std::erase(told, '\r');
     EXPECT_EQ("ERROR: unsupported Metadata Data Type 5\nERROR: unsupported Metadata Data Type 4294967295\n", told);
-}
-
-TEST_F(MetadataTest, ACountWithoutBytesIsNoRecord)
-{
-    EXPECT_FALSE(read<Metadata>(bytes("01 00 00 00  00 00 00 00  00 00 00 00  FF FF  01 00 'k'  01 00 'v'")));
-    EXPECT_FALSE(read<Metadata>(bytes("04 00 00 00  01 00 'c'  FF FF  01 00 'k'  01 00 'v'")));
 }
 
 TEST_F(MetadataTest, AListThatIsTooLongIsCut)

@@ -14,47 +14,34 @@ namespace {
 
 enum class Wide : std::uint32_t { LAST = 0x80000001 };
 
-TEST(SerializerTest, EveryKindHasItsBytes)
+template <typename T>
+void expectBytes(const T& value, const char* picture)
 {
     Serializer out;
-    out.write_value(std::uint8_t{0xFE});
-    out.write_value(std::uint16_t{0x1234});
-    out.write_value(std::uint32_t{0x89ABCDEF});
-    out.write_value(-2);
-    out.write_value(std::uint64_t{0x0102030405060708});
-    out.write_value(1.5F);
-    out.write_value(Wide::LAST);
-    out.write_text("ab");
-    out.write_text("");
-    const std::vector<char> expected = bytes("FE  34 12  EF CD AB 89  FE FF FF FF  08 07 06 05 04 03 02 01"
-                                             "  00 00 C0 3F  01 00 00 80  02 00 'ab'  00 00");
-    EXPECT_EQ(expected.size(), out.size());
-    EXPECT_EQ(expected, out.get_buffer());
+    out.write_value(value);
+    EXPECT_EQ(bytes(picture), out.get_buffer());
+    T read{};
+    EXPECT_EQ(sizeof(T), out.read_value(read));
+    EXPECT_EQ(value, read);
+    EXPECT_EQ(0u, out.read_value(read));
+    EXPECT_EQ(value, read);
 }
 
-TEST(SerializerTest, ValuesComeBackWithTheNumberOfBytesTaken)
+TEST(SerializerTest, EveryKindHasItsBytes)
 {
-    Serializer in = test::stored("80  FE FF  FE FF FF FF  08 07 06 05 04 03 02 81  00 00 C0 BF  01 00 00 80");
-    std::int8_t i8 = 0;
-    std::uint16_t u16 = 0;
-    int i32 = 0;
-    std::uint64_t u64 = 0;
-    float f32 = 0;
-    Wide wide{};
-    EXPECT_EQ(1u, in.read_value(i8));
-    EXPECT_EQ(2u, in.read_value(u16));
-    EXPECT_EQ(4u, in.read_value(i32));
-    EXPECT_EQ(8u, in.read_value(u64));
-    EXPECT_EQ(4u, in.read_value(f32));
-    EXPECT_EQ(4u, in.read_value(wide));
-    EXPECT_EQ(-128, i8);
-    EXPECT_EQ(0xFFFEu, u16);
-    EXPECT_EQ(-2, i32);
-    EXPECT_EQ(0x8102030405060708u, u64);
-    EXPECT_EQ(-1.5F, f32);
-    EXPECT_EQ(Wide::LAST, wide);
-    EXPECT_EQ(0u, in.read_value(i8));
-    EXPECT_EQ(-128, i8);
+    expectBytes(std::uint8_t{0xFE}, "FE");
+    expectBytes(std::int8_t{-128}, "80");
+    expectBytes(std::uint16_t{0xFE34}, "34 FE");
+    expectBytes(std::uint32_t{0x89ABCDEF}, "EF CD AB 89");
+    expectBytes(-2, "FE FF FF FF");
+    expectBytes(std::uint64_t{0x8102030405060708}, "08 07 06 05 04 03 02 81");
+    expectBytes(-1.5F, "00 00 C0 BF");
+    expectBytes(Wide::LAST, "01 00 00 80");
+
+    Serializer out;
+    out.write_text("ab");
+    out.write_text("");
+    EXPECT_EQ(bytes("02 00 'ab'  00 00"), out.get_buffer());
 }
 
 TEST(SerializerTest, TheBufferDoublesUntilAWriteFits)
@@ -94,7 +81,8 @@ TEST(SerializerTest, NullAndNothingWriteNothing)
     EXPECT_EQ(0u, out.remaining());
     const std::uint16_t one = 1;
     out.write_value(&one);
-    EXPECT_EQ(bytes("01 00"), out.get_buffer());
+    out.write_value<std::uint8_t>(0);    // a number, no null
+    EXPECT_EQ(bytes("01 00 00"), out.get_buffer());
     EXPECT_FALSE(out.empty());
 }
 
@@ -114,7 +102,7 @@ TEST(SerializerTest, StoredBytesAreReadOnceAndGoWithGetBuffer)
     EXPECT_EQ(0u, in.read_from(two, 1));
 }
 
-TEST(SerializerTest, ACopyKeepsBothOffsets)
+TEST(SerializerTest, ACopyOrAMoveKeepsBothOffsets)
 {
     Serializer first;
     first.write_value(std::uint32_t{0x04030201});
@@ -126,6 +114,23 @@ TEST(SerializerTest, ACopyKeepsBothOffsets)
     second.write_value(std::uint8_t{5});
     EXPECT_EQ(bytes("01 02 03 04 05"), second.get_buffer());
     EXPECT_EQ(4u, first.size());
+
+    Serializer third(std::move(first));
+    EXPECT_EQ(1u, third.read_value(byte));
+    EXPECT_EQ(2, byte);
+    first.write_value(std::uint8_t{6});    // the one moved from is as new
+    EXPECT_EQ(bytes("06"), first.get_buffer());
+    first = std::move(third);
+    EXPECT_EQ(bytes("01 02 03 04"), first.get_buffer());
+}
+
+TEST(SerializerTest, AValueOfTheBufferItselfIsWritten)
+{
+    Serializer out;
+    out.write_value(std::uint8_t{0x7F});
+    const char& inside = out.get_buffer()[0];
+    out.write_value(inside);    // the buffer grows
+    EXPECT_EQ(bytes("7F 7F"), out.get_buffer());
 }
 
 TEST(SerializerTest, RewindStepsBackOverWhatWasRead)

@@ -25,12 +25,6 @@ std::list<std::string> pciNames(const std::string& platform)
     return names;
 }
 
-std::string lineOf(const std::string& text, const std::string& title)
-{
-    const std::size_t begin = text.find(title);
-    return begin == std::string::npos ? "" : text.substr(begin, text.find('\n', begin) - begin);
-}
-
 TEST(DeviceTest, UnknownDevicesAreToldByTextOrNumber)
 {
     EXPECT_EQ("Unsupported", Device::deviceStringLookup("no such"));
@@ -170,20 +164,7 @@ TEST(SystemReportsTest, TheHardwareHeaderOfAKnownMachine)
               "\nCore2 = N/A",
               system.getSystemHWHeader());
     system.edramCap = 1;
-    EXPECT_EQ("EDRAM Present: No ", lineOf(system.getSystemHWHeader(), "EDRAM"));
-}
-
-TEST(SystemReportsTest, ProcessorsOnTheMarketAreUnknown)
-{
-    for (int family = 0; family <= 255; ++family) {
-        for (int model = 0; model < (family == 6 ? 0xF0 : 256); ++model) {
-            SystemMetadata system = makeProcessor(family, model, 1);
-            for (const std::uint32_t id : {0u, 1u, 2u, 0xFE01u, 0xFE02u}) {
-                system.platformId = system.iGfxId = id;
-                ASSERT_EQ("Unknown", system.getFormattedCPUCodeName()) << family << "." << model;
-            }
-        }
-    }
+    EXPECT_NE(std::string::npos, system.getSystemHWHeader().find("\nEDRAM Present: No \n"));
 }
 
 TEST(SystemReportsTest, CodeNamesComeFromTheFirstRowThatFits)
@@ -258,10 +239,7 @@ TEST(SystemReportsTest, EveryDeviceTokenAddsAName)
     std::list<std::string> names = {"first"};
     SystemMetadata().getFormattedPMTDeviceNames("PCI=HTN,PMT=GLDT", names);
     EXPECT_EQ((std::list<std::string>{"first", "Gilduin telemetry"}), names);
-}
 
-TEST(SystemReportsTest, AHostsOwnDevicesAreNamedToo)
-{
     Device::getDeviceMap()["mine"] = "My card";
     EXPECT_EQ((std::list<std::string>{"My card"}), pciNames("PCI=mine"));
     Device::getDeviceMap().erase("mine");

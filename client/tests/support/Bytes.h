@@ -1,5 +1,6 @@
 #pragma once
 
+#include "record/Metadata.h"
 #include "record/Serializer.h"
 
 #include <cstdlib>
@@ -25,6 +26,20 @@ inline std::vector<char> bytes(const std::string& picture)
         }
     }
     return result;
+}
+
+// The first `n` bytes: a file that was cut.
+inline std::vector<char> cut(const std::vector<char>& whole, std::size_t n)
+{
+    return {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n)};
+}
+
+// A record as it stands in a file.
+inline std::vector<char> written(const pwr::Metadata& record)
+{
+    pwr::Serializer out;
+    record.serialize(out);
+    return out.get_buffer();
 }
 
 inline pwr::Serializer stored(const std::string& picture)

@@ -15,22 +15,6 @@ QVClockSource* defaultClock()
     return g_pluginEnvironment != nullptr ? g_pluginEnvironment->getDefaultClock() : nullptr;
 }
 
-template <typename Syncs>
-bool findSync(const std::string& uuid, const Syncs& syncs, QVClockSync& out)
-{
-    for (const QVClockSync& sync : syncs) {
-        out = sync;
-        QV_LOG_DEBUG("DEBUG: Looking at sync clock %s\n", sync.clockUUID.c_str());
-        if (sync.clockUUID != uuid) continue;
-        QV_LOG_DEBUG("DEBUG: Found clock UUID %s with freq %.2f and val %llu (Default = %s, %.2f, %llu)\n",
-                     sync.clockUUID.c_str(), static_cast<double>(sync.clockFreqMHz), sync.clockValue,
-                     sync.defaultClockUUID.c_str(), static_cast<double>(sync.defaultClockFreqMHz),
-                     sync.defaultClockValue);
-        return true;
-    }
-    return false;
-}
-
 unsigned long long convertedTimestamp(const QVClockSync& sync, unsigned long long timestamp)
 {
     const unsigned long long delta = timestamp - sync.clockValue;
@@ -123,12 +107,17 @@ const std::string& getQVAClockUUID()
 
 bool wasClockSynchronized(const std::string& uuid, const std::deque<QVClockSync>& syncs, QVClockSync& out)
 {
-    return findSync(uuid, syncs, out);
-}
-
-bool wasClockSynchronized(const std::string& uuid, const std::vector<QVClockSync>& syncs, QVClockSync& out)
-{
-    return findSync(uuid, syncs, out);
+    for (const QVClockSync& sync : syncs) {
+        out = sync;
+        QV_LOG_DEBUG("DEBUG: Looking at sync clock %s\n", sync.clockUUID.c_str());
+        if (sync.clockUUID != uuid) continue;
+        QV_LOG_DEBUG("DEBUG: Found clock UUID %s with freq %.2f and val %llu (Default = %s, %.2f, %llu)\n",
+                     sync.clockUUID.c_str(), static_cast<double>(sync.clockFreqMHz), sync.clockValue,
+                     sync.defaultClockUUID.c_str(), static_cast<double>(sync.defaultClockFreqMHz),
+                     sync.defaultClockValue);
+        return true;
+    }
+    return false;
 }
 
 unsigned long long convertTimestamp(const QVClockSync& sync, unsigned long long timestamp)

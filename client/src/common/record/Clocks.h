@@ -87,8 +87,13 @@ QUORVANE_API const std::string& getQVAClockUUID();
 // Looks for the clock's synchronisation. True with the entry in `out`; else false, `out` then is the last entry looked
 // at (untouched when there are none).
 QUORVANE_API bool wasClockSynchronized(const std::string& uuid, const std::deque<QVClockSync>& syncs, QVClockSync& out);
-QUORVANE_API bool wasClockSynchronized(const std::string& uuid, const std::vector<QVClockSync>& syncs,
-                                       QVClockSync& out);
+
+// The same in the list of a record. A template, so that `{}` is an empty deque.
+template <typename Sync>
+bool wasClockSynchronized(const std::string& uuid, const std::vector<Sync>& syncs, QVClockSync& out)
+{
+    return wasClockSynchronized(uuid, std::deque<QVClockSync>(syncs.begin(), syncs.end()), out);
+}
 
 // Takes a reading of the sync's clock to ticks of the default clock. A reading before the sync wraps as an unsigned
 // difference; what doesn't fit saturates, and so does any difference when the clock has the frequency 0.

@@ -35,6 +35,10 @@ static_assert(sizeof(_qv_pmt_pci_location) == 2);
 
 namespace pwr {
 
+// Also named where the operations on them are.
+using ::_qv_pmt_pci_location;
+using ::qv_qformat;
+
 // "bus:device:function" in decimal.
 QUORVANE_API std::string getFormatedPCIBDF(_qv_pmt_pci_location location);
 

@@ -97,7 +97,7 @@ private:
 // One configured message. Owns its meta values. Empty texts in it can't be read back.
 class QUORVANE_API MsgMetadata : public Metadata {
 public:
-    explicit MsgMetadata(int plugin = -1, int metric = -1, int msg = -1);
+    MsgMetadata(int plugin = -1, int metric = -1, int msg = -1);
     ~MsgMetadata() override;
     MsgMetadata(const MsgMetadata&) = delete;
     MsgMetadata& operator=(const MsgMetadata&) = delete;
@@ -142,7 +142,7 @@ class QUORVANE_API MetricMetadata : public Metadata {
 public:
     using Values = std::vector<std::pair<std::string, std::string>>;
 
-    explicit MetricMetadata(int plugin = -1, int metric = -1);
+    MetricMetadata(int plugin = -1, int metric = -1);
 
     int getPluginID() const override;
     int getMetricID() const { return m_metricId; }
@@ -164,7 +164,7 @@ class QUORVANE_API CollectorMetadata : public Metadata {
 public:
     using Values = std::vector<std::pair<std::string, std::string>>;
 
-    explicit CollectorMetadata(std::string name = "");
+    CollectorMetadata(std::string name = "");
 
     void addValue(const std::string& key, const std::string& value);
     const std::string& getName() const { return m_name; }

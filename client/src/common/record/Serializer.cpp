@@ -14,6 +14,20 @@ Serializer::Serializer(std::size_t size) : m_buffer(size) {}
 
 Serializer::Serializer(const std::vector<char>& bytes) : m_buffer(bytes) {}
 
+Serializer::Serializer(Serializer&& other) noexcept
+    : m_buffer(std::exchange(other.m_buffer, {})), m_writeOffset(std::exchange(other.m_writeOffset, 0)),
+      m_readOffset(std::exchange(other.m_readOffset, 0))
+{
+}
+
+Serializer& Serializer::operator=(Serializer other) noexcept
+{
+    m_buffer.swap(other.m_buffer);
+    m_writeOffset = other.m_writeOffset;
+    m_readOffset = other.m_readOffset;
+    return *this;
+}
+
 void Serializer::write_to(const void* data, std::size_t n)
 {
     if (data == nullptr || n == 0) return;

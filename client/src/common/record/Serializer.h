@@ -24,8 +24,11 @@ namespace pwr {
 //   if (in.read_value(seven) == 0) fail();
 class QUORVANE_API Serializer {
 public:
-    explicit Serializer(std::size_t size = 0);              // `size` zero bytes
-    explicit Serializer(const std::vector<char>& bytes);    // to read stored bytes
+    Serializer(std::size_t size = 0);              // `size` zero bytes
+    Serializer(const std::vector<char>& bytes);    // to read stored bytes
+    Serializer(const Serializer&) = default;
+    Serializer(Serializer&& other) noexcept;    // leaves `other` as new
+    Serializer& operator=(Serializer other) noexcept;
 
     // Raw bytes. Null or 0 bytes write nothing.
     void write_to(const void* data, std::size_t n);
@@ -41,14 +44,22 @@ public:
     requires(!std::is_pointer_v<T>) void write_value(const T& value)
     {
         checkKind_i<T>();
+        const std::uint64_t wire = toWire_i(value);    // first: the value may stand in the buffer
         makeRoom_i(sizeof(T));
-        store_i(m_buffer.data() + m_writeOffset, toWire_i(value), std::make_index_sequence<sizeof(T)>{});
+        store_i(m_buffer.data() + m_writeOffset, wire, std::make_index_sequence<sizeof(T)>{});
         m_writeOffset += sizeof(T);
     }
     template <typename T>
     void write_value(const T* value)
     {
         if (value != nullptr) write_value(*value);
+    }
+
+    // A number in the width told, as in write_value<std::uint16_t>(0): that 0 is no null source.
+    template <typename T, typename Number>
+    requires(std::is_arithmetic_v<Number> && !std::is_same_v<T, Number>) void write_value(Number value)
+    {
+        write_value(static_cast<T>(value));
     }
 
     // Returns the bytes taken; 0, with `value` and the offset unchanged, when too few are left.

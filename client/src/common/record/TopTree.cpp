@@ -441,15 +441,15 @@ void TopTree::deserializeTree(Serializer& in)
     setUniqueID_i();
 }
 
-// Of nodes with one key the last is the one in the index; but a package that stands below another node never takes the
-// place of one without a parent.
+// A node is entered behind those below it, as its record ends behind theirs. Of nodes with one key the last is the one
+// in the index; but a package that stands below another node never takes the place of one without a parent.
 void TopTree::indexChildren_i(const TNode& parent, long long key)
 {
     for (TNode* child : parent) {
+        indexChildren_i(*child, childKey(key, static_cast<std::int16_t>(child->getID())));
         Nodes& nodes = nodes_i(child->getType());
         TNode*& entry = nodes.try_emplace(nodes.end(), childKey(key, child->getID()), child)->second;
         if (!isRoot_i(entry)) entry = child;
-        indexChildren_i(*child, childKey(key, static_cast<std::int16_t>(child->getID())));
     }
 }
 

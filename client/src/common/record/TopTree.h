@@ -20,6 +20,8 @@ struct qv_driver_topology_change {
 
 namespace pwr {
 
+using ::qv_driver_topology_change;
+
 class Serializer;
 
 enum class top_node_type : std::uint32_t {
