@@ -75,16 +75,17 @@ TEST_F(CollectorConfigTest, ReadsEveryStatement)
     EXPECT_EQ("", platformFor("CORES", "9"));
 }
 
-TEST_F(CollectorConfigTest, ASourceLineCopiesTheOperationOfAnAncestorsMessage)
+TEST_F(CollectorConfigTest, ASourceLineCopiesTheOperationOfTheNearestAncestorsMessage)
 {
-    ASSERT_EQ(0, load("ALL_FEAT_FIRST_OPKIND_CATEG=1\nX_FEAT_COPY_MSG_SOURCE=FIRST\nX_FEAT_COPY_OPKIND_CATEG=2\n"
-                      "X_FEAT_COPY_MSG_READ-WHEN=POLL\nX_FEAT_EMPTY_MSG_ID=1\nX_FEAT_COPY_MSG_SOURCE=EMPTY\n"
-                      "X_FEAT_COPY_MSG_SOURCE=COPY\n"));
-    const InputMsg& copy = message("X", "FEAT");
+    ASSERT_EQ(0, load("ALL_FEAT_FIRST_OPKIND_CATEG=far\nX_FEAT_FIRST_OPKIND_CATEG=1\n"
+                      "X-Y_FEAT_COPY_MSG_SOURCE=FIRST\nX-Y_FEAT_COPY_OPKIND_CATEG=2\n"
+                      "X-Y_FEAT_COPY_MSG_READ-WHEN=POLL\nX_FEAT_EMPTY_MSG_ID=1\nX-Y_FEAT_COPY_MSG_SOURCE=EMPTY\n"
+                      "X-Y_FEAT_COPY_MSG_SOURCE=COPY\n"));
+    const InputMsg& copy = message("X-Y", "FEAT");
     EXPECT_EQ(Names({"FEAT_COPY_OPKIND"}), operationsOf(copy));
     EXPECT_EQ(Settings({{"CATEG", "1"}, {"CATEG", "2"}}), settingsOf(copy.getOperations()[0]));
     EXPECT_EQ("WARNING: message X_FEAT_EMPTY cannot be sourced since it doesn't contain any supported operations!\n"
-              "WARNING: CANNOT self-source for message X_FEAT_COPY!\n",
+              "WARNING: CANNOT self-source for message X-Y_FEAT_COPY!\n",
               m_log.debug());
 }
 
@@ -98,6 +99,25 @@ TEST_F(CollectorConfigTest, AGroupTakesItsMembersAndTheirLaterLines)
     EXPECT_EQ(Names({"FEAT_A_OPKIND", "FEAT_B_OPKIND", "FEAT_C_OPKIND"}), operationsOf(group));
     EXPECT_EQ(Settings({{"CATEG", "b"}, {"CATEG", "b2"}}), settingsOf(group.getOperations()[1]));
     EXPECT_EQ("5", group.getCPUString());
+}
+
+// Names of tracepoints and notifiers stay with the member of a group.
+TEST_F(CollectorConfigTest, AQueryGivesMessagesWithOperationsInTheOrderOfTheirLines)
+{
+    ASSERT_EQ(0, load("ALL_FEAT_Z_MSG_READ-WHEN=END\nALL_FEAT_BARE_MSG_READ-WHEN=POLL\nALL_FEAT_Z_OPKIND_CATEG=1\n"
+                      "ALL_FEAT_A_OPKIND_CATEG=1\nALL_FEAT_A_MSG_READ-WHEN=POLL,TRACEPOINT=tp\n"
+                      "ALL_OTHER_A_OPKIND_CATEG=1\nALL_OTHER_A_MSG_READ-WHEN=POLL\nALL_FEAT_TOP_MSG_GROUP=A\n"));
+    EXPECT_EQ(1, message("ALL", "OTHER").getMsgID());
+    EXPECT_EQ(4, message("ALL", "FEAT").getMsgID());    // behind Z, BARE and A
+    EXPECT_EQ(PWSet<std::string>({"POLL", "TRACEPOINT"}), message("ALL", "FEAT").getTriggers());
+    EXPECT_TRUE(message("ALL", "FEAT").getTracepointNames().empty());
+    m_log.clear();
+    m_log.environment().setVerbosity(4);
+    EXPECT_EQ(Names({"ALL_FEAT_Z", "ALL_FEAT_TOP"}), messages("ALL", "FEAT", {"END", "POLL"}));
+    EXPECT_TRUE(m_log.contains("3DEBUG: pwr::Platform::getMessagesFor called for prefix FEAT on platform ALL\n"
+                               "INFO: not adding message ALL_FEAT_BARE because it doesn't have any operations!\n"));
+    messages("ALL", "NONE", {"END"});
+    EXPECT_TRUE(m_log.contains("3DEBUG: combination of name ALL prefix NONE was NOT specified in config file!\n"));
 }
 
 // A message of many operations finds them by an index; what moves away must leave it.
@@ -234,6 +254,12 @@ TEST_F(CollectorConfigTest, FilesAreReadOneAfterTheOtherUntilOneFails)
     EXPECT_EQ(0, m_config->parse({last, first}, {&m_collector}, {}));
     EXPECT_EQ(0, m_config->parse({}, {}, {}));
     EXPECT_FALSE(m_config->isPlatformPrefixSupported("FMS=ALL", "FEAT"));
+
+    EXPECT_EQ(0, m_config->parse({last, first}, {&m_collector}, {}));
+    m_log.clear();
+    m_log.environment().setVerbosity(3);
+    m_config->destroy();
+    EXPECT_EQ("3DEBUG: Deleting platform ALL\n3DEBUG: Deleting platform X\n", m_log.debug());
 }
 
 TEST_F(CollectorConfigTest, BadFilesFailOrLoadAndTheNextParseWorks)
@@ -278,7 +304,7 @@ TEST_F(CollectorConfigTest, LinesOfAnyLengthKeepTheirText)
     Settings expected;
     for (std::size_t i = 0; i < 3000; ++i) {
         const std::string key = "K" + std::to_string(i);
-        expected.emplace_back("FEAT_A_" + key, std::string(i == 1500 ? 300000 : i % 97, 'x'));
+        expected.emplace_back("FEAT_A_" + key, std::string(i == 1500 ? 300000 : i % 97, i == 50 ? '\0' : 'x'));
         lines += "ALL_FEAT_A_CONSTANT_" + key + "=" + expected.back().second + (i % 2 == 0 ? "\n" : "  # y\r\n");
     }
     lines.pop_back();    // the last line has no end

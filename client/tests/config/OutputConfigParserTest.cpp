@@ -3,6 +3,7 @@
 #include "support/DoorGuard.h"
 #include "support/FakeFiles.h"
 #include "support/LogCapture.h"
+#include "support/RecordingConsole.h"
 
 #include <gtest/gtest.h>
 
@@ -15,12 +16,6 @@ using namespace pwr;
 using test::LogCapture;
 
 namespace {
-
-class RecordingConsole : public os::Console {
-public:
-    void writeError(const char* written) override { text += written; }
-    std::string text;
-};
 
 class OutputConfigParserTest : public testing::Test {
 protected:
@@ -37,7 +32,7 @@ protected:
     const std::string m_fatal = "0FATAL: ERROR parsing config file OutputConfigParserTest.conf!\n";
     const std::string m_parsing = "ERROR parsing config file OutputConfigParserTest.conf\n";
     const std::string m_opening = "Error opening config file OutputConfigParserTest.conf\n";
-    RecordingConsole m_console;
+    test::RecordingConsole m_console;
     LogCapture m_log{2};
     test::DoorGuard m_door;
 };
@@ -105,27 +100,6 @@ TEST_F(OutputConfigParserTest, AFileThatCannotBeReadFails)
     EXPECT_EQ(m_fatal + m_fatal + m_fatal, m_log.errors());
 }
 
-TEST_F(OutputConfigParserTest, BytesOfAnyKindFailOrLoad)
-{
-    EXPECT_FALSE(load(std::string(5000, '\0')));
-    EXPECT_FALSE(load(std::string(10U << 20U, 'x')));
-    EXPECT_FALSE(load(std::string(3000, '_') + "\n"));
-    EXPECT_TRUE(load(std::string(10U << 20U, ' ') + "\n" + std::string(10U << 20U, '#')));
-    EXPECT_TRUE(load("ALL_FEAT_RESID_T_TITLE=" + std::string(10U << 20U, 'x')));
-    EXPECT_TRUE(load("\xFF_\xFE_\xFD_\xFC_TITLE=\x80\xFF\r\n\r\n"));
-
-    OutputConfigParser parser;
-    std::string line = "ALL_FEAT_RESID_T_TITLE=a";
-    line += '\0';
-    std::ofstream(m_path, std::ios::binary) << line << "b\nALL_FEAT_RESID_U_TITLE=c";
-    ASSERT_TRUE(parser.load({m_path}));
-    std::string title;
-    ASSERT_NE(nullptr, parser.findTable("ALL_FEAT_RESID", "T"));
-    parser.findTable("ALL_FEAT_RESID", "T")->getTableTitle(title);
-    EXPECT_EQ(std::string("a\0b", 3), title);
-    EXPECT_EQ(2U, parser.findTableOrder("ALL_FEAT_RESID")->size());
-}
-
 TEST_F(OutputConfigParserTest, TheLogTagSpeaksBelowTheVerbosity)
 {
     const std::string content = "ALL_FEAT_RESID_T_TITLE=x\n"
@@ -156,10 +130,6 @@ TEST_F(OutputConfigParserTest, TheLogTagSpeaksBelowTheVerbosity)
               "INFO: Feature order:\n"
               "INFO: \tcurr Feature: FEAT\n",
               m_log.debug());
-    m_log.clear();
-    EXPECT_FALSE(load("ALL_FEAT__T_TITLE=x\n"));
-    EXPECT_TRUE(m_log.contains("WARNING: ERROR calling function \"tag\"\n"));
-    EXPECT_EQ("1ERROR: ERROR parsing line ALL_FEAT__T_TITLE=x\n" + m_fatal, m_log.errors());
 }
 
 }    // namespace

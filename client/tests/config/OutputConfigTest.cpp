@@ -82,13 +82,6 @@ TEST_F(OutputConfigTest, TheFirstValueOfASettingStays)
     EXPECT_EQ("untouched", text);
     EXPECT_TRUE(info.getTableTitle(text));
     EXPECT_EQ("first", text);
-
-    TableInfo other;
-    other = info;
-    EXPECT_TRUE(other.setKeyValuePair("POST-TABLE-TEXT", "behind"));
-    EXPECT_FALSE(info.isKeySet("POST-TABLE-TEXT"));
-    EXPECT_TRUE(other.getPostTableNote(text));
-    EXPECT_EQ("POST-TABLE-TEXT", other.begin()->first);
 }
 
 TEST_F(OutputConfigTest, OnlyUpperCaseYesIsYes)
@@ -173,16 +166,6 @@ TEST_F(OutputConfigTest, SettingsAreKeptByMetricAndTableType)
     EXPECT_FALSE(m_config->getTableOrderForMetric(order, "OTHER", "FEAT"));
     EXPECT_TRUE(m_config->getAllFeaturePrefixes(order));
     EXPECT_EQ(Tags({"FEAT", "FEAT", "FEAT"}), order);
-}
-
-TEST_F(OutputConfigTest, ARepeatedSettingIsToldAndDoesNoHarm)
-{
-    EXPECT_EQ(0, load({"ALL_FEAT_RESID_T_TITLE=first\nALL_FEAT_RESID_T_TITLE=second\nALL_FEAT_RESID_T_TABLE=NO\n"}));
-    EXPECT_EQ("WARNING: Config table info (TITLE) entry already present for metric table T for metric container "
-              "ALL_FEAT_RESID\n",
-              m_log.debug());
-    EXPECT_EQ("first", title("RESID", "T"));
-    EXPECT_FALSE(table("RESID", "T").isTableDisplayed());
 }
 
 TEST_F(OutputConfigTest, OrdersAddUp)

@@ -135,12 +135,4 @@ TEST(SpecifierTest, PrintsItsNameAndItsNumbers)
     EXPECT_EQ("PMT=0xdeadbeef", PMTSpecifier(0xDEADBEEF).toString());
 }
 
-TEST(SpecifierTest, DebugLoggingOfTheParserShowsEveryTest)
-{
-    LogCapture log(0);
-    log.environment().addPrefixForDebugLogging("config-parser");
-    FMSSpecifier(6, 142, 9).is_match("PCI", "x");
-    EXPECT_EQ("INFO: Specifier::is_match(): m_name:FMS, name:PCI\n", log.debug());
-}
-
 }    // namespace

@@ -37,7 +37,9 @@ protected:
 // A requirement with a fixed answer.
 class FixedRequirement : public pwr::PluginRequirement {
 public:
-    explicit FixedRequirement(bool isMet) : PluginRequirement("FIXED", false), m_isMet(isMet) {}
+    explicit FixedRequirement(bool isMet, bool negative = false) : PluginRequirement("FIXED", negative), m_isMet(isMet)
+    {
+    }
     ~FixedRequirement() override = default;
 
 protected:

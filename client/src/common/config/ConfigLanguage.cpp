@@ -7,15 +7,10 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
-#include <memory>
 
 namespace pwr {
 
 namespace {
-
-struct StreamCloser {
-    void operator()(FILE* fp) const { std::fclose(fp); }
-};
 
 bool isBlank(char c)
 {
@@ -141,7 +136,7 @@ bool ConfigLanguage::isFileRead_i(const std::string& path)
         complain("Error opening config file ", path);
         return false;
     }
-    const std::unique_ptr<FILE, StreamCloser> stream(opened);
+    const os::OwnedStream stream(opened);
     LineBlocks lines(opened);
     std::string_view line;
     bool isDone = true;

@@ -25,6 +25,17 @@ struct ConfigStatement {
     void getPathTo(std::string& path, std::string_view field) const;
 };
 
+// Moves the first entry of a comma-separated list from `rest` to `entry`, untrimmed. False at the end; a trailing comma
+// adds no entry.
+inline bool takeEntry(std::string_view& entry, std::string_view& rest)
+{
+    if (rest.empty()) return false;
+    const std::size_t comma = rest.find(',');
+    entry = rest.substr(0, comma);
+    rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
+    return true;
+}
+
 // What the configuration languages share: how a file is read, line by line, how a line is cleaned and split, and how a
 // failure is told. A language gives the rule of a statement. A rule that fails has its caller log the rule's name, so
 // that the log shows the chain from the inside out.
@@ -55,21 +66,6 @@ protected:
 
     // Hands on the result of the rule of that name, telling a failure.
     bool rule_i(bool isDone, const char* name) const;
-
-    // Walks the entries of a comma-separated list, each trimmed. False at an empty one; an empty list and a trailing
-    // comma are fine.
-    template <typename Take>
-    static bool forEachEntry_i(std::string_view list, Take take)
-    {
-        while (!list.empty()) {
-            const std::size_t comma = list.find(',');
-            const std::string_view entry = trim_i(list.substr(0, comma));
-            if (entry.empty()) return false;
-            take(entry);
-            list = comma == std::string_view::npos ? std::string_view() : list.substr(comma + 1);
-        }
-        return true;
-    }
 
     // Without blanks at both ends; a text of blanks alone becomes empty.
     static std::string_view trim_i(std::string_view text);

@@ -6,17 +6,12 @@
 #include <array>
 #include <cstring>
 #include <limits>
-#include <memory>
 
 namespace pwr {
 
 namespace {
 
 constexpr const char* BLANKS = " \r\t\n";
-
-struct StreamCloser {
-    void operator()(FILE* fp) const { std::fclose(fp); }
-};
 
 // Reads one piece like fgets and appends it to `line`, zeros within included: the buffer is filled with line feeds
 // first, so the end mark of fgets is the zero behind the text and not one inside it. False when nothing was read.
@@ -51,7 +46,7 @@ void readFilledLines(const char* path, Lines& lines, bool complain)
         if (complain) QV_STREAM_ERROR << "could NOT open file " << path << "!";
         return;
     }
-    const std::unique_ptr<FILE, StreamCloser> stream(opened);
+    const os::OwnedStream stream(opened);
     std::string line;
     while (LineReader::getline(opened, line, false) > 0) {
         if (line.back() == '\n') line.pop_back();

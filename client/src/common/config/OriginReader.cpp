@@ -2,7 +2,6 @@
 
 #include "config/OperationProviders.h"
 #include "config/Parser.h"
-#include "config/ParserRules.h"
 #include "config/Platform.h"
 #include "config/Specifier.h"
 #include "config/qv_configfile_parser.h"

@@ -161,7 +161,12 @@ OutputConfigParser::MetricTables& OutputConfigParser::tablesOf_i(std::string_vie
 
 bool OutputConfigParser::readList_i(std::deque<std::string>& list, std::string_view value)
 {
-    return forEachEntry_i(value, [&list](std::string_view entry) { list.emplace_back(entry); });
+    for (std::string_view entry; takeEntry(entry, value);) {
+        const std::string_view tag = trim_i(entry);
+        if (tag.empty()) return false;
+        list.emplace_back(tag);
+    }
+    return true;
 }
 
 void OutputConfigParser::dump_i() const

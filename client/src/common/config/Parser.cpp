@@ -361,22 +361,16 @@ Operation* Parser::findOperation_i(const InputMsg& message, std::string_view nam
 
 CollectorPlugin* Parser::findCollectorToDispatch(const Operation* operation, const char* what)
 {
-    const std::string name = operation != nullptr ? operation->getName() : "";
-    const std::string begin = std::string("Trying to do immediate ") + what + " of operation " + name;
-    if (operation == nullptr || operation->getOperation().empty()) {
-        QV_STREAM_ERROR << begin << " without a valid packet?!";
+    const auto refuse = [operation, what](const std::string& why) -> CollectorPlugin* {
+        QV_STREAM_ERROR << "Trying to do immediate " << what << " of operation "
+                        << (operation != nullptr ? operation->getName() : "") << why;
         return nullptr;
-    }
-    if (s_loaded == nullptr) {
-        QV_STREAM_ERROR << begin << " without a valid parser?!";
-        return nullptr;
-    }
+    };
+    if (operation == nullptr || operation->getOperation().empty()) return refuse(" without a valid packet?!");
+    if (s_loaded == nullptr) return refuse(" without a valid parser?!");
     CollectorPlugin* collector = s_loaded->getCollectorFor(operation->getOperation());
-    if (collector == nullptr) {
-        QV_STREAM_ERROR << begin << " with invalid type " << operation->getOperation() << "?!";
-        return nullptr;
-    }
-    QV_LOG_INFO("INFO: OK, found collector for operation %s; now dispatching!\n", name.c_str());
+    if (collector == nullptr) return refuse(" with invalid type " + operation->getOperation() + "?!");
+    QV_LOG_INFO("INFO: OK, found collector for operation %s; now dispatching!\n", operation->getName().c_str());
     return collector;
 }
 

@@ -13,6 +13,8 @@ namespace pwr {
 
 namespace {
 
+constexpr std::string_view ROOT_PLATFORM = "ALL";
+
 struct InheritWord {
     std::string_view word;
     Platform::InheritMode mode;

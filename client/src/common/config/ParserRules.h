@@ -8,18 +8,6 @@
 
 namespace pwr {
 
-inline constexpr std::string_view ROOT_PLATFORM = "ALL";
-
-// Moves the first entry of a comma-separated list from `rest` to `entry`. False at the end; a trailing comma adds none.
-inline bool takeEntry(std::string_view& entry, std::string_view& rest)
-{
-    if (rest.empty()) return false;
-    const std::size_t comma = rest.find(',');
-    entry = rest.substr(0, comma);
-    rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
-    return true;
-}
-
 // What tags and names are: a letter and anything behind it.
 inline bool startsWithLetter(std::string_view text)
 {

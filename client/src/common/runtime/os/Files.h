@@ -1,9 +1,15 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string>
 
 namespace pwr::os {
+
+struct StreamCloser {
+    void operator()(FILE* stream) const { std::fclose(stream); }
+};
+using OwnedStream = std::unique_ptr<FILE, StreamCloser>;    // of what openStream() gave
 
 // Files and directories. Error codes named `errnum` are those of <cerrno>; `lastError` is a Windows error code on every
 // system (183: exists already, 3: path not found, 5: access denied, 0: none).
