@@ -143,6 +143,8 @@ TEST_F(TableMessageTest, NumbersGoInByTheirKind)
     EXPECT_EQ("not valid", text(nullptr, shared[0])) << "the wrong type spoils the cell";
     EXPECT_EQ("not valid", text(nullptr, shared[2]));
     EXPECT_EQ("18446744073709551615", text(nullptr, shared[1]));
+    EXPECT_EQ(0, m_table.setField(3, static_cast<const char*>(nullptr)));
+    EXPECT_EQ("", text(nullptr, shared[3]));
     EXPECT_EQ(0, m_table.setField(2, Data(4.0)));
     EXPECT_EQ("4.0", text(nullptr, shared[2])) << "a Data brings its own formatter, here none";
 }
@@ -227,11 +229,15 @@ TEST_F(TableMessageTest, AttributesReadFromTheObjectInTheFieldsCell)
     FieldDescription column("State", "");
     column.addAttribute(frequency);
     column.addAttribute(Attribute::get(AttributeType::IRQ));
+    const Attribute* thread = Attribute::get(AttributeType::THREAD);
+    FieldDescription simple("Number", "");
+    simple.addAttribute(thread);
     m_table.addField(column, DataType::HANDLE, false);
+    m_table.addField(simple, DataType::INT, true);
     m_table.createTable();
     ASSERT_EQ(1u, m_table.getFieldCount());
     ASSERT_EQ(3u, m_table.getHandleCount());
-    EXPECT_EQ(0u, m_table.getSharedHandleCount());
+    EXPECT_EQ(2u, m_table.getSharedHandleCount());
     EXPECT_EQ(frequency, m_table.handleBegin()[1]);
 
     StateDescription state("C1", "");
@@ -257,18 +263,7 @@ TEST_F(TableMessageTest, AttributesReadFromTheObjectInTheFieldsCell)
         refusal(nullptr, frequency).find("WARNING: Error getting state/event/entity/dataDescriptor and attribute ("));
     m_table.resetData();
     EXPECT_EQ("WARNING: Could not convert to handle type in Cores\n", refusal(nullptr, frequency));
-}
-
-TEST_F(TableMessageTest, AttributeOfASimpleTypeIsRefused)
-{
-    FieldDescription column("State", "");
-    column.addAttribute(Attribute::get(AttributeType::IRQ));
-    m_table.addField(column, DataType::INT, true);
-    EXPECT_EQ(2u, m_table.getSharedHandleCount());
-    m_table.createTable();
-    m_table.setField(0, 1);
-    EXPECT_EQ("WARNING: Attempt to retrieve an attribute from a simple type in Cores\n",
-              refusal(nullptr, m_table.sharedHandleBegin()[1]));
+    EXPECT_EQ("WARNING: Attempt to retrieve an attribute from a simple type in Cores\n", refusal(nullptr, thread));
 }
 
 TEST_F(TableMessageTest, FieldsComeFromAllKindsOfDescription)

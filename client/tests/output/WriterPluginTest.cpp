@@ -143,15 +143,3 @@ TEST_F(WriterPluginTest, KnownEntityWithUnreadableCellFallsBackToTheFirstRow)
     EXPECT_EQ("Invalid", m_writer.getFieldValueFromHandle(m_table, m_core1, field));
     EXPECT_EQ("Invalid", m_writer.getFieldValueFromHandle(m_table, m_core1, nullptr));
 }
-
-TEST_F(WriterPluginTest, WriterThatOverridesNothingTakesEverything)
-{
-    m_session.writers = {&m_writer};
-    SystemMetadata system = test::makeSystem();
-    SystemMessage message(system);
-    EXPECT_EQ(0, m_session.stream->pushMessage(message));
-    EXPECT_EQ(0, m_session.stream->pushTextMessage("text"));
-    EXPECT_EQ("", m_session.log.debug());
-    EXPECT_FALSE(m_writer.flushContinuousResults(system));
-    EXPECT_EQ("plain", m_writer.getUUID());
-}

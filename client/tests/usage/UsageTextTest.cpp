@@ -62,15 +62,10 @@ TEST_F(UsageTextTest, JsonHasCategoriesOptionsAndAttributes)
     const struct {
         const char *category, *name, *arg, *type, *units, *value;
     } cases[] = {
-        {"General Options", "--log", "<filename>", "filename", "", ""},
         {"Post-processing Options", "--output", "<filename>", "filename", "", ""},
         {"Post-processing Options", "--result", "<format>", "file format", "", "sum"},
-        {"Collection Options", "--feature", "<feature>", "", "", ""},
         {"Collection Options", "--interval", "<milliseconds>", "time", "milliseconds", "100"},
         {"Collection Options", "--output", "<filename>", "filename", "", "QuorvaneOutput"},
-        {"Collection Options", "--program", "<executable>", "executable", "", ""},
-        {"Collection Options", "--program-delay", "<seconds>", "time", "seconds", ""},
-        {"Collection Options", "--polling", "", "", "", ""},
     };
     for (const auto& c : cases) {
         const json& option = j[c.category][c.name];

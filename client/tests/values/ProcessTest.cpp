@@ -23,7 +23,7 @@ protected:
     test::TestSession session;
 };
 
-TEST_F(ProcessTest, AProcessIsMadeWhenSomethingRefersToIt)
+TEST_F(ProcessTest, WhatSomethingRefersToIsMadeThen)
 {
     EXPECT_EQ(0, ProcessManager::create(ProcessDescription(7, 100, 1, "/bin/first")));
     EXPECT_EQ(0, ProcessManager::create(ProcessDescription(7, 200, 2, "/bin/second")));
@@ -32,26 +32,19 @@ TEST_F(ProcessTest, AProcessIsMadeWhenSomethingRefersToIt)
     const Process* process = Process::get(7);
     EXPECT_EQ(7, process->getPid());
     EXPECT_EQ("/bin/first", process->getPath());
-    EXPECT_EQ("/bin/first", process->getName());
     EXPECT_EQ(1, process->getParentPid());
     EXPECT_EQ(100u, process->getStartTime());
-    EXPECT_EQ(0u, process->getEndTime());
-    EXPECT_EQ(DataHandleType::PROCESS, process->getHandleType());
     EXPECT_EQ(process, Process::get(7));
     EXPECT_EQ(std::vector<Ids>{{process->getId()}}, session.writer.ids);
-}
 
-TEST_F(ProcessTest, AThreadIsMadeWhenSomethingRefersToIt)
-{
     EXPECT_EQ(0, ProcessManager::create(ThreadDescription(70, 100, 7, "worker")));
     const Thread* thread = Thread::get(70);
     EXPECT_EQ(70, thread->getTid());
     EXPECT_EQ(7, thread->getPid());
     EXPECT_EQ("worker", thread->getName());
     EXPECT_EQ(100u, thread->getStartTime());
-    EXPECT_EQ(DataHandleType::THREAD, thread->getHandleType());
     EXPECT_EQ(thread, Thread::get(70));
-    EXPECT_EQ(1u, session.writer.ids.size());
+    EXPECT_EQ(2u, session.writer.ids.size());
 }
 
 TEST_F(ProcessTest, WhatNobodyToldOfIsUnknown)

@@ -35,8 +35,8 @@ public:
     template <typename T>
     int setValue(const T& value)
     {
-        if (m_hasValue) return m_value.setValue(toDataValue(value));
-        m_value = Data(toDataValue(value));
+        if (m_hasValue) return m_value.setValue(value);
+        m_value = Data(value);
         m_hasValue = true;
         return 0;
     }

@@ -71,7 +71,7 @@ public:
     int setField(unsigned int fieldId, const T& value)
     {
         Data* data = getDataToSet_i(fieldId);
-        return data != nullptr ? data->setValue(toDataValue(value)) : 1;
+        return data != nullptr ? data->setValue(value) : 1;
     }
 
     // Sets the cell of an entity. With the id of a shared field it sets the shared cell.
@@ -80,7 +80,7 @@ public:
     {
         const DataHandle* field = nullptr;
         Data* data = getDataToSet_i(entity, fieldId, field);
-        if (data == nullptr || data->setValue(toDataValue(value)) != 0) return 1;
+        if (data == nullptr || data->setValue(value) != 0) return 1;
         return addValidValue_i(entity, field);
     }
 
@@ -89,7 +89,7 @@ public:
 
     // Reads a cell: `out` is the value, not owned, valid until the next change of the table; `valid` tells whether it
     // may be used. The handle is a field, or an attribute of a field, which is read from what the field's cell
-    // describes. Fails before the first set or reset. The first two read shared cells and the first row.
+    // describes. Fails before the first set or reset. Without an entity it reads a shared cell or the first row.
     int getFieldValue(const DataHandle* handle, const Data*& out, bool& valid) const;
     int getFieldValue(const EntityHandle* entity, const DataHandle* handle, const Data*& out, bool& valid) const;
 

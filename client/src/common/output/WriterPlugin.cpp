@@ -4,11 +4,27 @@
 #include "runtime/Log.h"
 #include "values/EntityHandle.h"
 
+#include <algorithm>
+
 namespace {
 
 std::string nameOf(const pwr::DataHandle* handle)
 {
     return handle != nullptr ? handle->getName() : std::string();
+}
+
+// The columns of a flattened table in their order: the shared handles, then for each entity each handle. The entity is
+// null for a shared handle and in a table without entities.
+template <typename Visit>
+void forEachColumn(const pwr::TableMessage& table, Visit visit)
+{
+    for (auto handle = table.sharedHandleBegin(); handle != table.sharedHandleEnd(); ++handle)
+        visit(nullptr, *handle);
+    const auto visitHandles = [&](const pwr::EntityHandle* entity) {
+        std::for_each(table.handleBegin(), table.handleEnd(), [&](const auto* handle) { visit(entity, handle); });
+    };
+    if (table.getEntityCount() == 0) return visitHandles(nullptr);
+    std::for_each(table.entityBegin(), table.entityEnd(), visitHandles);
 }
 
 }    // namespace
@@ -63,41 +79,16 @@ int WriterPlugin::writeMessage(const pwr::TableMessage&)
 
 void WriterPlugin::getColumnTitles(const pwr::TableMessage& table, std::deque<std::string>& out) const
 {
-    for (auto handle = table.sharedHandleBegin(); handle != table.sharedHandleEnd(); ++handle) {
-        out.push_back(nameOf(*handle));
-    }
-    const auto handlesBegin = table.handleBegin();
-    const auto handlesEnd = table.handleEnd();
-    if (table.getEntityCount() == 0) {
-        for (auto handle = handlesBegin; handle != handlesEnd; ++handle)
-            out.push_back(nameOf(*handle));
-        return;
-    }
-    for (auto entity = table.entityBegin(); entity != table.entityEnd(); ++entity) {
-        for (auto handle = handlesBegin; handle != handlesEnd; ++handle) {
-            out.push_back(getFieldNameFromHandle(table, *entity, *handle));
-        }
-    }
+    forEachColumn(table, [&](const pwr::EntityHandle* entity, const pwr::DataHandle* handle) {
+        out.push_back(getFieldNameFromHandle(table, entity, handle));
+    });
 }
 
 void WriterPlugin::getRowValues(const pwr::TableMessage& table, std::deque<std::string>& out) const
 {
-    for (auto handle = table.sharedHandleBegin(); handle != table.sharedHandleEnd(); ++handle) {
-        out.push_back(getFieldValueFromHandle(table, nullptr, *handle));
-    }
-    const auto handlesBegin = table.handleBegin();
-    const auto handlesEnd = table.handleEnd();
-    if (table.getEntityCount() == 0) {
-        for (auto handle = handlesBegin; handle != handlesEnd; ++handle) {
-            out.push_back(getFieldValueFromHandle(table, nullptr, *handle));
-        }
-        return;
-    }
-    for (auto entity = table.entityBegin(); entity != table.entityEnd(); ++entity) {
-        for (auto handle = handlesBegin; handle != handlesEnd; ++handle) {
-            out.push_back(getFieldValueFromHandle(table, *entity, *handle));
-        }
-    }
+    forEachColumn(table, [&](const pwr::EntityHandle* entity, const pwr::DataHandle* handle) {
+        out.push_back(getFieldValueFromHandle(table, entity, handle));
+    });
 }
 
 std::string WriterPlugin::getFieldNameFromHandle(const pwr::TableMessage& table, const pwr::EntityHandle* entity,

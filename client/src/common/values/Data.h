@@ -50,7 +50,10 @@ public:
     Data(T first, T second) : Data(widen_i(first), widen_i(second))
     {
     }
-    Data(const float& value) : Data(static_cast<double>(value)) {}
+    template <std::floating_point T>
+    Data(const T& value) : Data(static_cast<double>(value))
+    {
+    }
     Data(const char* value) : Data(std::string(value != nullptr ? value : "")) {}
 
     // A copy has its own clone of the custom formatter.
@@ -79,7 +82,11 @@ public:
     {
         return setValue(widen_i(value));
     }
-    int setValue(const float& value) { return setValue(static_cast<double>(value)); }
+    template <std::floating_point T>
+    int setValue(const T& value)
+    {
+        return setValue(static_cast<double>(value));
+    }
     int setValue(const char* value) { return setValue(std::string(value != nullptr ? value : "")); }
 
     // Reads the value. 1 with a warning for another type; 1 without one for a value that is unset or invalid. The
@@ -168,26 +175,5 @@ private:
     bool m_valid = false;
     bool m_set = false;
 };
-
-// What setField() and DataElement::setValue() hand to a Data for a C++ value: numbers by their kind, handles as
-// handles, anything that converts to text as text, the rest (ranges, Data) as it is.
-template <typename T>
-decltype(auto) toDataValue(const T& value)
-{
-    if constexpr (std::is_same_v<T, Data> || std::is_same_v<T, std::string>) {
-        return (value);
-    } else if constexpr (std::is_integral_v<T>) {
-        using Wide = std::conditional_t<std::is_signed_v<T>, long long, unsigned long long>;
-        return static_cast<Wide>(value);
-    } else if constexpr (std::is_floating_point_v<T>) {
-        return static_cast<double>(value);
-    } else if constexpr (std::is_convertible_v<const T*, const DataHandle*>) {
-        return static_cast<const DataHandle&>(value);
-    } else if constexpr (std::is_convertible_v<const T&, std::string>) {
-        return std::string(value);
-    } else {
-        return (value);
-    }
-}
 
 }    // namespace pwr
