@@ -63,7 +63,8 @@ TEST_F(DataElementTest, WhatIsNotSetReadsAsNullWithAWarning)
 
 TEST_F(DataElementTest, NullIsRefusedAndChangesNothing)
 {
-    DataElement element(m_entity, m_descriptor);
+    DataElement element(m_entity, nullptr);
+    EXPECT_EQ(0, element.setDescriptor(m_descriptor));
     EXPECT_EQ(1, element.setEntity(nullptr));
     EXPECT_EQ(1, element.setDescriptor(nullptr));
     EXPECT_EQ(1, element.setAdditionalInfo(nullptr));

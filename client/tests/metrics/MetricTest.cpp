@@ -212,6 +212,21 @@ TEST_F(MetricTest, ResidencyPointBeyondItsDurationIsDropped)
         0u, session.log.debug().find("WARNING: M: For Package_0/Core_0" + behind + "WARNING: M: For Core_1" + behind));
 }
 
+// The example that docs/sample-road.md works through.
+TEST_F(MetricTest, ResidencyPointIsPushedWholeOrNotAtAll)
+{
+    auto metric = makeMetric(Type::SampledResidency);
+    EXPECT_EQ(0, sample(*metric, 2000, m_core1, m_c1, 300U));
+    EXPECT_EQ(0, sample(*metric, 2000, m_core1, m_c6, 700U));
+    EXPECT_EQ(1, sample(*metric, 2000, m_core1, m_c6, 100U));
+    EXPECT_TRUE(session.writer.points.empty());
+    EXPECT_EQ(0, sample(*metric, 4000, m_core1, m_c1, 900U));
+    EXPECT_EQ(0, sample(*metric, 4000, m_core1, m_c6, 1500U));
+    EXPECT_EQ(0, metric->finalize());    // 2400 ticks in 2000
+    ASSERT_THAT(durations(), ElementsAre(ElementsAre(1000, 1000)));
+    EXPECT_EQ(Data(700U), session.writer.points[0].elements[1].value);
+}
+
 TEST_F(MetricTest, ResidencySumDoesNotWrapAround)
 {
     auto metric = makeMetric(Type::SampledResidency);
@@ -252,29 +267,33 @@ TEST_F(MetricTest, ResidencySampleBehindItsEntitysSamplingPointHasNoDuration)
     EXPECT_THAT(durations(), ElementsAre(ElementsAre(1000, 1000), ElementsAre(3000), ElementsAre(0)));
 }
 
+// The accumulator that stands before the failing one is initialised twice: to the same tables.
 TEST_F(MetricTest, AccumulatorsAreInitialisedUntilAllSucceed)
 {
+    configure("ALL_FEAT_BOX_AVERAGE-RATE-TOTAL_TABLE=YES\n"
+              "ALL_FEAT_BOX_TOTAL-DELTA_TABLE=NO\n");
     std::string calls;
     ScriptedAccumulator a("a", calls);
     ScriptedAccumulator b("b", calls);
-    auto metric = makeMetric(Type::SampledDelta, Quantity::data());
+    auto metric = makeMetric(Type::SampledDelta, Quantity::power());
     EXPECT_EQ(0, metric->addAccumulator(&a));
     EXPECT_EQ(0, metric->addAccumulator(&b));
+    EXPECT_EQ(1, metric->addAccumulator(nullptr));
+    EXPECT_TRUE(session.log.contains("WARNING: trying to add a NULL accumulator to Metric container M?!\n"));
     b.initResult = 1;
     sample(*metric, 2000, m_core0, nullptr, 1U);
+    session.log.clear();
     EXPECT_EQ(1, metric->addAccumulator(&a));
+    EXPECT_EQ("WARNING: trying to add an accumulator to Metric container M after setting data?!\n",
+              session.log.debug());
     EXPECT_EQ(0, sample(*metric, 3000, m_core0, nullptr, 1U));
     EXPECT_TRUE(session.log.contains("WARNING: Metric container M couldn't initialize an accumulator!\n"));
     b.initResult = 0;
     EXPECT_EQ(0, metric->finalize());
     EXPECT_EQ("a:init b:init a:init b:init a:1 b:1 a:final b:final ", calls);
     EXPECT_EQ(2u, session.writer.points.size());
-
-    EXPECT_EQ(1, metric->addAccumulator(nullptr));
-    EXPECT_TRUE(
-        session.log.contains("WARNING: trying to add an accumulator to Metric container M after setting data?!\n"
-                             "WARNING: Metric container"));
-    EXPECT_TRUE(session.log.contains("WARNING: trying to add a NULL accumulator to Metric container M?!\n"));
+    EXPECT_EQ(2u, session.log.count("WARNING: Rate conversion is not specified."));
+    EXPECT_THAT(session.writer.tableTitles(), ElementsAre("M Summary: Total", "M Summary: Total Samples Received"));
 }
 
 TEST_F(MetricTest, PointThatAnAccumulatorFailedOnStaysBuffered)

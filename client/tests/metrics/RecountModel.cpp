@@ -1,21 +1,18 @@
 #include "metrics/RecountModel.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cmath>
 #include <functional>
-#include <limits>
 #include <numeric>
 #include <set>
+#include <tuple>
 
 namespace recount {
 
 namespace {
 
-constexpr std::uint64_t RESET = std::numeric_limits<std::uint64_t>::max();
-
 // Pairs without a descriptor come before all others.
 using Key = std::tuple<bool, int, int>;
-using Elements = std::vector<Element>;
 
 Key keyOf(int entity, int descriptor)
 {
@@ -24,7 +21,7 @@ Key keyOf(int entity, int descriptor)
 
 Cell text(const std::string& text)
 {
-    return {text, {}, 0};
+    return {text, {}};
 }
 
 Cell count(std::uint64_t number)
@@ -34,7 +31,8 @@ Cell count(std::uint64_t number)
 
 Cell ratio(std::int64_t numerator, std::int64_t denominator, int digits = 2)
 {
-    return {"", {{numerator, denominator, std::abs(numerator)}}, digits};
+    const long double figure = static_cast<long double>(numerator) / static_cast<long double>(denominator);
+    return {"", figure, std::fabs(figure), digits};
 }
 
 Cell percentage(std::int64_t part, std::int64_t whole, int digits = 2)
@@ -42,18 +40,22 @@ Cell percentage(std::int64_t part, std::int64_t whole, int digits = 2)
     return ratio(100 * part, whole, digits);
 }
 
-std::int64_t ticksOf(const Elements& elements)
+Cell sum(const std::vector<Cell>& cells)
 {
-    std::int64_t ticks = 0;
-    for (const Element& element : elements)
-        ticks += static_cast<std::int64_t>(element.duration);
-    return ticks;
+    Cell all;
+    for (const Cell& cell : cells) {
+        all.figure = all.figure.value_or(0) + *cell.figure;
+        all.size += cell.size;
+    }
+    return all;
 }
 
-template <typename T>
-const T& at(const std::vector<T>& items, std::int64_t index)
+std::int64_t ticksOf(const Samples& samples)
 {
-    return items[static_cast<std::size_t>(index)];
+    std::int64_t ticks = 0;
+    for (const Sample& sample : samples)
+        ticks += static_cast<std::int64_t>(sample.duration);
+    return ticks;
 }
 
 template <typename T>
@@ -62,16 +64,10 @@ void addOnce(std::vector<T>& items, const T& item)
     if (std::count(items.begin(), items.end(), item) == 0) items.push_back(item);
 }
 
-// In the order of their numbers.
-const std::map<Kind, std::vector<std::string>> TABLE_TYPES = {
-    {Kind::DELTA, {"SAMPLE-COUNT", "AVERAGE-RATE-TOTAL", "TOTAL-DELTA"}},
-    {Kind::RESIDENCY, {"SAMPLE-COUNT", "RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND", "RESIDENCY-COMBINED"}},
-    {Kind::VALUE,
-     {"SAMPLE-COUNT", "MIN-MAX-AVG", "NUMBER-OF-OCCURENCES", "RELATIVE-FREQUENCY-PERCENTAGE", "MIN-MAX",
-      "APPROXIMATED-RESIDENCY"}},
-    {Kind::TRANSITION, {"RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND", "TRANSITION-COUNTS", "RESIDENCY-COMBINED"}},
-    {Kind::EVENT, {"SAMPLE-COUNT", "EVENT-NAME-COUNTS", "TOP-TEN-EVENT"}},
-};
+void append(Row& row, const Row& cells)
+{
+    row.insert(row.end(), cells.begin(), cells.end());
+}
 
 const char* residencyTitle(const std::string& type)
 {
@@ -89,17 +85,17 @@ std::vector<bool> residencyFigures(const std::string& type)
 
 class Recount {
 public:
-    Recount(const Scenario& scenario, const std::vector<Point>& points)
-        : m_scenario(scenario), m_points(points), m_clockMHz(points.empty() ? 0 : scenario.clockMHz)
+    Recount(const Scenario& scenario, const Samples& samples)
+        : m_scenario(scenario), m_samples(samples), m_clockMHz(samples.empty() ? 0 : scenario.clockMHz)
     {
-        for (const Point& point : points) {
-            for (const Element& element : point.elements) {
-                m_pairs[keyOf(element.entity, element.descriptor)].push_back(element);
-                m_entities.insert(element.entity);
-                if (element.descriptor >= 0) m_descriptors.insert(element.descriptor);
-            }
+        for (const Sample& sample : samples) {
+            m_pairs[keyOf(sample.entity, sample.descriptor)].push_back(sample);
+            m_entities.insert(sample.entity);
+            if (sample.descriptor >= 0) m_descriptors.insert(sample.descriptor);
         }
         m_sampledDescriptors = m_descriptors.size();
+        for (const Value& value : scenario.values)
+            m_valueTexts.push_back(value.text);
         for (const Request& request : chosen_i())
             makeTable_i(request);
     }
@@ -112,7 +108,7 @@ private:
     using Figure = std::function<Cell(int entity, int item, bool isPercentage)>;
 
     // Those that the configuration names, in its order, and then the others.
-    std::vector<Scenario::Table> chosen_i() const
+    std::vector<Request> chosen_i() const
     {
         std::vector<Request> chosen = m_scenario.configured;
         const auto find = [&](const std::string& type) {
@@ -121,7 +117,7 @@ private:
         for (const std::string& type : tableTypes(m_scenario.kind)) {
             if (find(type) == chosen.end()) chosen.push_back({type});
         }
-        if (m_scenario.kind == Kind::DELTA) {
+        if (m_scenario.kind == Kind::SampledDelta) {
             const auto rate = find("AVERAGE-RATE-TOTAL");
             const auto total = find("TOTAL-DELTA");
             if (rate->isHidden || m_scenario.perSecond != 0) {
@@ -140,15 +136,16 @@ private:
     void makeTable_i(const Request& request)
     {
         const std::string& type = request.type;
-        const bool isEvent = m_scenario.kind == Kind::EVENT;
-        if (type == "SAMPLE-COUNT") return sampleCount_i(m_scenario.kind == Kind::VALUE, !isEvent, !isEvent);
+        const bool isEvent = m_scenario.kind == Kind::TracedEvent;
+        const bool isValue = m_scenario.kind == Kind::SampledValue;
+        if (type == "SAMPLE-COUNT") return sampleCount_i(isValue, !isEvent, !isEvent);
         if (type == "MIN-MAX-AVG" || type == "MIN-MAX") return minMax_i(type == "MIN-MAX-AVG");
         if (type == "AVERAGE-RATE-TOTAL") return rates_i(request);
-        if (type == "TOTAL-DELTA") return totals_i();
+        if (type == "TOTAL-DELTA") return addTable_i("M Summary: Total", withTotal_i(false, true));
         if (type == "EVENT-NAME-COUNTS") return eventNames_i();
         if (type == "TOP-TEN-EVENT") return topTen_i();
-        if (m_scenario.kind == Kind::VALUE) return valueTables_i(request);
-        if (m_scenario.kind == Kind::RESIDENCY) return residency_i(request);
+        if (isValue) return valueTables_i(request);
+        if (m_scenario.kind == Kind::SampledResidency) return residency_i(request);
         transitions_i(request);
     }
 
@@ -161,24 +158,22 @@ private:
 
     // What all tables share.
 
-    Elements elements_i(int entity, int descriptor, int value = -1) const
+    Samples samples_i(int entity, int descriptor, int value = -1) const
     {
-        Elements elements;
+        Samples samples;
         const auto found = m_pairs.find(keyOf(entity, descriptor));
-        if (found == m_pairs.end()) return elements;
-        std::copy_if(found->second.begin(), found->second.end(), std::back_inserter(elements),
-                     [value](const Element& element) { return value < 0 || element.value == value; });
-        return elements;
+        if (found == m_pairs.end()) return samples;
+        std::copy_if(found->second.begin(), found->second.end(), std::back_inserter(samples),
+                     [value](const Sample& sample) { return value < 0 || sample.value == value; });
+        return samples;
     }
 
     // The finite set and then the others as they came; without one, ascending.
     std::vector<int> valueList_i(int descriptor) const
     {
         std::vector<int> list = m_scenario.finiteSet;
-        for (const Point& point : m_points) {
-            for (const Element& element : point.elements) {
-                if (element.descriptor == descriptor) addOnce(list, static_cast<int>(element.value));
-            }
+        for (const Sample& sample : m_samples) {
+            if (sample.descriptor == descriptor) addOnce(list, static_cast<int>(sample.value));
         }
         if (m_scenario.finiteSet.empty()) std::sort(list.begin(), list.end());
         return list;
@@ -193,6 +188,8 @@ private:
         return ordered;
     }
 
+    std::vector<int> entities_i() const { return {m_entities.begin(), m_entities.end()}; }
+
     void addCombinations_i()
     {
         for (const auto& [entity, descriptor] : m_scenario.combinations) {
@@ -206,42 +203,27 @@ private:
         return isNamed ? " for " + at(m_scenario.descriptors, descriptor) : "";
     }
 
-    std::vector<Row> itemRows_i(const std::vector<int>& items, const std::vector<std::string>& texts,
-                                const std::vector<int>& entities, const std::vector<bool>& figures,
-                                const Figure& figure) const
+    // Rows are items and each entity has columns; or, transposed, rows are entities and each figure has its items.
+    std::vector<Row> grid_i(bool isTransposed, const std::vector<int>& items, const std::vector<std::string>& names,
+                            const std::vector<int>& entities, const std::vector<bool>& figures,
+                            const Figure& figure) const
     {
         std::vector<Row> rows;
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            rows.push_back({text(texts[i])});
-            for (const int entity : entities) {
-                for (const bool isPercentage : figures)
-                    rows.back().push_back(figure(entity, items[i], isPercentage));
-            }
-        }
-        return rows;
-    }
-
-    std::vector<Row> entityRows_i(const std::vector<int>& items, const std::vector<int>& entities, bool areNamed,
-                                  const std::vector<bool>& figures, const Figure& figure) const
-    {
-        std::vector<Row> rows;
-        for (const int entity : entities) {
-            rows.emplace_back();
-            if (areNamed) rows.back().push_back(text(at(m_scenario.entities, entity).qualified));
+        for (const int entity : isTransposed ? entities : std::vector<int>()) {
+            rows.push_back({text(at(m_scenario.entities, entity).qualified)});
             for (const bool isPercentage : figures) {
                 for (const int item : items)
                     rows.back().push_back(figure(entity, item, isPercentage));
             }
         }
+        for (const int item : isTransposed ? std::vector<int>() : items) {
+            rows.push_back({text(at(names, item))});
+            for (const int entity : entities) {
+                for (const bool isPercentage : figures)
+                    rows.back().push_back(figure(entity, item, isPercentage));
+            }
+        }
         return rows;
-    }
-
-    std::vector<std::string> valueTexts_i(const std::vector<int>& values) const
-    {
-        std::vector<std::string> texts;
-        for (const int value : values)
-            texts.push_back(at(m_scenario.values, value).text);
-        return texts;
     }
 
     Row pair_i(int entity, int descriptor) const
@@ -265,13 +247,11 @@ private:
             const Row row = pair_i(entity, descriptor);
             rows.emplace(key, isPerEntity ? Row{row.front()} : row);
         };
-        for (const Point& point : m_points) {
-            for (const Element& element : point.elements) {
-                const Key key = keyOf(element.entity, isPerEntity ? -1 : element.descriptor);
-                if (timestamps.count(key) == 0) addRow(key, element.entity, element.descriptor);
-                firstDurations.emplace(key, element.duration);
-                addOnce(timestamps[key], point.timestamp);
-            }
+        for (const Sample& sample : m_samples) {
+            const Key key = keyOf(sample.entity, isPerEntity ? -1 : sample.descriptor);
+            if (timestamps.count(key) == 0) addRow(key, sample.entity, sample.descriptor);
+            firstDurations.emplace(key, sample.duration);
+            addOnce(timestamps[key], sample.timestamp);
         }
         for (const auto& [entity, descriptor] : m_scenario.combinations)
             addRow(keyOf(entity, descriptor), entity, descriptor);
@@ -279,8 +259,7 @@ private:
         std::vector<Row> table;
         for (auto& [key, row] : rows) {
             row.push_back(count(timestamps[key].size()));
-            const Row intervals = intervals_i(timestamps[key], firstDurations[key]);
-            if (showsIntervals) row.insert(row.end(), intervals.begin(), intervals.end());
+            if (showsIntervals) append(row, intervals_i(timestamps[key], firstDurations[key]));
             table.push_back(row);
         }
         addTable_i(std::string("M Summary") + (isSampled ? " - Sampled" : "") + ": Total Samples Received", table);
@@ -302,42 +281,53 @@ private:
 
     // Sampled values.
 
-    std::int64_t halves_i(const Elements& elements) const
+    std::int64_t halves_i(const Samples& samples) const
     {
         std::int64_t halves = 0;
-        for (const Element& element : elements)
-            halves += at(m_scenario.values, element.value).halves;
+        for (const Sample& sample : samples)
+            halves += at(m_scenario.values, sample.value).halves;
         return halves;
     }
 
     // Each sample's time in whole microseconds, halves going up.
-    std::int64_t microseconds_i(const Elements& elements) const
+    std::int64_t microseconds_i(const Samples& samples) const
     {
         std::int64_t sum = 0;
-        for (const Element& element : elements)
-            sum += (2 * static_cast<std::int64_t>(element.duration) + m_clockMHz) / (2 * m_clockMHz);
+        for (const Sample& sample : samples)
+            sum += (2 * static_cast<std::int64_t>(sample.duration) + m_clockMHz) / (2 * m_clockMHz);
         return sum;
+    }
+
+    Cell weightedAverage_i(const Samples& samples) const
+    {
+        const std::int64_t total = 2 * m_clockMHz * microseconds_i(samples);
+        std::int64_t weighted = 0;
+        std::int64_t size = 0;
+        for (const Sample& sample : samples) {
+            const std::int64_t term = halves_i({sample}) * static_cast<std::int64_t>(sample.duration);
+            weighted += term;
+            size += std::abs(term);
+        }
+        Cell average = ratio(weighted, total);
+        average.size = *ratio(size, total).figure;
+        return average;
     }
 
     void minMax_i(bool withAverages)
     {
         if (!m_scenario.areNumbers) return;
         std::vector<Row> table;
-        for (const auto& [key, elements] : m_pairs) {
-            const auto byValue = [](const Element& a, const Element& b) { return a.value < b.value; };
-            const auto extremes = std::minmax_element(elements.begin(), elements.end(), byValue);
-            table.push_back(pair_i(elements.front().entity, elements.front().descriptor));
-            table.back().push_back(text(at(m_scenario.values, extremes.first->value).text));
-            table.back().push_back(text(at(m_scenario.values, extremes.second->value).text));
-            if (!withAverages) continue;
-            Fraction weighted{0, 2 * m_clockMHz * microseconds_i(elements), 0, 8 + static_cast<int>(elements.size())};
-            for (const Element& element : elements) {
-                const std::int64_t term = halves_i({element}) * static_cast<std::int64_t>(element.duration);
-                weighted.numerator += term;
-                weighted.size += std::abs(term);
+        for (const auto& [key, samples] : m_pairs) {
+            const auto byValue = [](const Sample& a, const Sample& b) { return a.value < b.value; };
+            const auto extremes = std::minmax_element(samples.begin(), samples.end(), byValue);
+            Row row = pair_i(samples.front().entity, samples.front().descriptor);
+            row.push_back(text(at(m_valueTexts, extremes.first->value)));
+            row.push_back(text(at(m_valueTexts, extremes.second->value)));
+            if (withAverages) {
+                row.push_back(ratio(halves_i(samples), 2 * static_cast<std::int64_t>(samples.size())));
+                row.push_back(weightedAverage_i(samples));
             }
-            table.back().push_back(ratio(halves_i(elements), 2 * static_cast<std::int64_t>(elements.size())));
-            table.back().push_back({"", {weighted}, 2});
+            table.push_back(row);
         }
         addTable_i(std::string("M Summary - Sampled: ") + (withAverages ? "Min/Max/Avg" : "Min/Max"), table);
     }
@@ -354,64 +344,68 @@ private:
         if (descriptors.empty()) descriptors.insert(-1);
         for (const int descriptor : descriptors) {
             const Figure figure = [&](int entity, int value, bool) {
-                const Elements all = elements_i(entity, descriptor);
-                const Elements some = elements_i(entity, descriptor, value);
+                const Samples all = samples_i(entity, descriptor);
+                const Samples some = samples_i(entity, descriptor, value);
                 if (isCount) return count(some.size());
                 if (some.empty()) return ratio(0, 1, digits);
                 if (isTime) return percentage(microseconds_i(some), microseconds_i(all), digits);
                 return percentage(static_cast<std::int64_t>(some.size()), static_cast<std::int64_t>(all.size()),
                                   digits);
             };
-            std::vector<int> entities;
-            std::copy_if(m_entities.begin(), m_entities.end(), std::back_inserter(entities),
-                         [&](int entity) { return !elements_i(entity, descriptor).empty(); });
-            const std::vector<int> list = valueList_i(descriptor);
-            const bool areNamed = !isTime || !m_scenario.hidesEntities;
+            std::vector<int> entities = entities_i();
+            entities.erase(std::remove_if(entities.begin(), entities.end(),
+                                          [&](int entity) { return samples_i(entity, descriptor).empty(); }),
+                           entities.end());
+            std::vector<Row> table =
+                grid_i(request.isTransposed, valueList_i(descriptor), m_valueTexts, entities, {true}, figure);
+            if (request.isTransposed && isTime && m_scenario.hidesEntities) {
+                for (Row& row : table)
+                    row.erase(row.begin());
+            }
             addTable_i(title + forDescriptor_i(m_descriptors.size() >= 2, descriptor) +
                            (m_scenario.hasValueGroup ? m_scenario.units : ""),
-                       request.isTransposed ? entityRows_i(list, entities, areNamed, {true}, figure)
-                                            : itemRows_i(list, valueTexts_i(list), entities, {true}, figure));
+                       table);
         }
     }
 
     // Sampled residencies.
 
+    // An entity's time counts once for all states of a data point.
+    std::int64_t totalTicks_i(int entity) const
+    {
+        std::map<std::size_t, std::uint64_t> durations;
+        for (const Sample& sample : m_samples) {
+            if (sample.entity == entity) durations.emplace(sample.point, sample.duration);
+        }
+        std::int64_t total = 0;
+        for (const auto& point : durations)
+            total += static_cast<std::int64_t>(point.second);
+        return total;
+    }
+
     void residency_i(const Request& request)
     {
         std::vector<int> states;
-        for (const auto& combination : m_scenario.combinations)
-            addOnce(states, combination.second);
-        for (const Point& point : m_points) {
-            for (const Element& element : point.elements)
-                addOnce(states, element.descriptor);
+        for (const auto& combination : m_scenario.combinations) {
+            if (combination.second >= 0) addOnce(states, combination.second);
         }
-        states.erase(std::remove(states.begin(), states.end(), -1), states.end());
-        std::vector<std::string> texts;
-        for (const int state : states)
-            texts.push_back(at(m_scenario.descriptors, state));
+        for (const Sample& sample : m_samples)
+            addOnce(states, sample.descriptor);
 
         const Figure figure = [&](int entity, int state, bool isPercentage) {
-            const Elements elements = elements_i(entity, state);
+            const Samples samples = samples_i(entity, state);
+            if (samples.empty()) return ratio(0, 1);
             std::int64_t ticks = 0;
-            for (const Element& element : elements)
-                ticks += element.value;
-            if (elements.empty()) return ratio(0, 1);
-            if (!isPercentage) return ratio(ticks, m_clockMHz * 1000);
-            std::int64_t total = 0;
-            for (const Point& point : m_points) {
-                const auto first = std::find_if(point.elements.begin(), point.elements.end(),
-                                                [&](const Element& element) { return element.entity == entity; });
-                if (first != point.elements.end()) total += static_cast<std::int64_t>(first->duration);
-            }
-            return percentage(ticks, total);
+            for (const Sample& sample : samples)
+                ticks += sample.value;
+            return isPercentage ? percentage(ticks, totalTicks_i(entity)) : ratio(ticks, m_clockMHz * 1000);
         };
         // Entities of the combinations alone come too late for the columns of the first table, but not for rows.
         const std::vector<int> columns = columns_i();
         addCombinations_i();
-        const std::vector<int> entities(m_entities.begin(), m_entities.end());
         const std::vector<bool> figures = residencyFigures(request.type);
-        std::vector<Row> table = request.isTransposed ? entityRows_i(states, entities, true, figures, figure)
-                                                      : itemRows_i(states, texts, columns, figures, figure);
+        std::vector<Row> table = grid_i(request.isTransposed, states, m_scenario.descriptors,
+                                        request.isTransposed ? entities_i() : columns, figures, figure);
         for (Row& row : table)
             row.resize(std::max(row.size(), 1 + figures.size() * (request.isTransposed ? states.size() : 1)));
         addTable_i(residencyTitle(request.type), table);
@@ -419,70 +413,51 @@ private:
 
     // Deltas.
 
-    Cell total_i(const std::vector<Elements>& of) const
-    {
-        Cell cell;
-        for (const Elements& elements : of)
-            cell.figure.push_back(ratio(halves_i(elements), 2).figure.front());
-        return cell;
-    }
+    Cell total_i(const Samples& samples) const { return ratio(halves_i(samples), 2); }
 
-    Cell rate_i(const std::vector<Elements>& of) const
+    Cell rate_i(const Samples& samples) const
     {
-        Cell cell;
-        for (const Elements& elements : of) {
-            const std::int64_t amount = halves_i(elements) * m_clockMHz * m_scenario.perSecond;
-            cell.figure.push_back(ratio(amount, 2 * ticksOf(elements)).figure.front());
-            cell.figure.back().steps = 6 + static_cast<int>(of.size());
-        }
-        return cell;
+        return ratio(halves_i(samples) * m_clockMHz * m_scenario.perSecond, 2 * ticksOf(samples));
     }
 
     // A row for each pair, empty for those of the combinations alone, and one of the sums.
-    std::vector<Row> withTotal_i(const std::function<Row(const std::vector<Elements>&)>& figures, bool hasTotal) const
+    std::vector<Row> withTotal_i(bool hasRates, bool hasTotal) const
     {
-        std::map<Key, Elements> pairs = m_pairs;
+        std::map<Key, Samples> pairs = m_pairs;
         for (const auto& [entity, descriptor] : m_scenario.combinations)
-            pairs.emplace(keyOf(entity, descriptor), Elements());
+            pairs.emplace(keyOf(entity, descriptor), Samples());
         std::vector<Row> table;
-        std::vector<Elements> all;
-        const auto addRow = [&](int entity, int descriptor, const std::vector<Elements>& of) {
-            table.push_back(pair_i(entity, descriptor));
-            const Row cells = figures(of);
-            table.back().insert(table.back().end(), cells.begin(), cells.end());
+        std::vector<Cell> rates;
+        std::vector<Cell> totals;
+        const auto addRow = [&](Row row, const Cell& rate, const Cell& total) {
+            if (hasRates) row.push_back(rate);
+            row.push_back(total);
+            table.push_back(row);
         };
-        for (const auto& [key, elements] : pairs) {
-            addRow(std::get<1>(key), std::get<2>(key), {elements});
-            if (elements.empty()) {
-                table.back() = Row(table.back().size());
-            } else {
-                all.push_back(elements);
+        for (const auto& [key, samples] : pairs) {
+            if (samples.empty()) {
+                addRow(Row(pair_i(-1, -1).size()), {}, {});
+                continue;
             }
+            rates.push_back(rate_i(samples));
+            totals.push_back(total_i(samples));
+            addRow(pair_i(std::get<1>(key), std::get<2>(key)), rates.back(), totals.back());
         }
-        if (hasTotal) addRow(-1, -1, all);
+        if (hasTotal) addRow(pair_i(-1, -1), sum(rates), sum(totals));
         return table;
     }
 
     void rates_i(const Request& request)
     {
         const std::string title = "M Summary: Average Rate and Total";
-        const auto figures = [this](const std::vector<Elements>& of) { return Row{rate_i(of), total_i(of)}; };
-        if (!request.isTransposed) return addTable_i(title, withTotal_i(figures, !request.suppressesTotal));
-        const std::vector<int> states(m_descriptors.begin(), m_descriptors.end());
-        std::vector<std::string> texts;
-        for (const int state : states)
-            texts.push_back(at(m_scenario.descriptors, state));
+        if (!request.isTransposed) return addTable_i(title, withTotal_i(true, !request.suppressesTotal));
         const Figure figure = [&](int entity, int state, bool isRate) {
-            const Elements elements = elements_i(entity, state);
-            return elements.empty() ? Cell() : figures({elements})[isRate ? 0 : 1];
+            const Samples samples = samples_i(entity, state);
+            if (samples.empty()) return Cell();
+            return isRate ? rate_i(samples) : total_i(samples);
         };
-        addTable_i(title, itemRows_i(states, texts, columns_i(), {true, false}, figure));
-    }
-
-    void totals_i()
-    {
-        const auto figures = [this](const std::vector<Elements>& of) { return Row{total_i(of)}; };
-        addTable_i("M Summary: Total", withTotal_i(figures, true));
+        const std::vector<int> states(m_descriptors.begin(), m_descriptors.end());
+        addTable_i(title, grid_i(false, states, m_scenario.descriptors, columns_i(), {true, false}, figure));
     }
 
     // Transitions. The tables are as many as descriptors have samples, but count off those of the combinations too.
@@ -493,39 +468,42 @@ private:
         std::vector<int> tables(m_descriptors.begin(), m_descriptors.end());
         tables.resize(m_sampledDescriptors);
         if (tables.empty()) tables.push_back(-1);
-        for (const int descriptor : tables)
-            transitionTable_i(request, descriptor);
+        for (const int descriptor : tables) {
+            if (request.type == "TRANSITION-COUNTS") {
+                entryCounts_i(descriptor);
+            } else {
+                transitionTable_i(request, descriptor);
+            }
+        }
+    }
+
+    void entryCounts_i(int descriptor)
+    {
+        const Figure entries = [&](int entity, int value, bool) {
+            return count(samples_i(entity, descriptor, value).size());
+        };
+        std::vector<Row> table = grid_i(false, valueList_i(descriptor), m_valueTexts, columns_i(), {true}, entries);
+        table.push_back({text(m_scenario.values.front().isHandle ? "Total" : "")});
+        for (const int entity : columns_i()) {
+            std::size_t total = 0;
+            for (const int value : valueList_i(descriptor))
+                total += samples_i(entity, descriptor, value).size();
+            table.back().push_back(count(total));
+        }
+        addTable_i("M Summary: Entry Counts" + forDescriptor_i(descriptor >= 0, descriptor), table);
     }
 
     void transitionTable_i(const Request& request, int descriptor)
     {
-        const std::string suffix = forDescriptor_i(descriptor >= 0, descriptor);
-        const std::vector<int> list = valueList_i(descriptor);
-        if (request.type == "TRANSITION-COUNTS") {
-            const Figure entries = [&](int entity, int value, bool) {
-                std::size_t sum = 0;
-                for (const int each : value >= 0 ? std::vector<int>{value} : list)
-                    sum += elements_i(entity, descriptor, each).size();
-                return count(sum);
-            };
-            std::vector<int> rows = list;
-            rows.push_back(-1);
-            std::vector<std::string> texts = valueTexts_i(list);
-            texts.push_back(m_scenario.values.front().isHandle ? "Total" : "");
-            return addTable_i("M Summary: Entry Counts" + suffix,
-                              itemRows_i(rows, texts, columns_i(), {true}, entries));
-        }
         const Figure figure = [&](int entity, int value, bool isPercentage) {
-            const Elements all = elements_i(entity, descriptor);
+            const Samples all = samples_i(entity, descriptor);
             if (all.empty()) return request.isTransposed ? Cell() : ratio(0, 1);
-            const std::int64_t ticks = ticksOf(elements_i(entity, descriptor, value));
+            const std::int64_t ticks = ticksOf(samples_i(entity, descriptor, value));
             return isPercentage ? percentage(ticks, ticksOf(all)) : ratio(ticks, m_clockMHz * 1000);
         };
-        const std::vector<int> entities(m_entities.begin(), m_entities.end());
-        const std::vector<bool> figures = residencyFigures(request.type);
-        addTable_i(residencyTitle(request.type) + suffix,
-                   request.isTransposed ? entityRows_i(list, entities, true, figures, figure)
-                                        : itemRows_i(list, valueTexts_i(list), columns_i(), figures, figure));
+        addTable_i(residencyTitle(request.type) + forDescriptor_i(descriptor >= 0, descriptor),
+                   grid_i(request.isTransposed, valueList_i(descriptor), m_valueTexts,
+                          request.isTransposed ? entities_i() : columns_i(), residencyFigures(request.type), figure));
     }
 
     // Events.
@@ -537,11 +515,9 @@ private:
         if (m_sampledDescriptors == 0) tables = {-1};
         for (const int descriptor : tables) {
             std::map<std::string, std::map<int, std::size_t>> counts;
-            for (const auto& [key, elements] : m_pairs) {
-                for (const Element& element : elements) {
-                    if (element.descriptor == descriptor)
-                        ++counts[at(m_scenario.values, element.value).eventName][element.entity];
-                }
+            for (const Sample& sample : m_samples) {
+                if (sample.descriptor == descriptor)
+                    ++counts[at(m_scenario.values, sample.value).eventName][sample.entity];
             }
             std::vector<Row> table;
             for (auto& [name, ofEntity] : counts) {
@@ -555,46 +531,57 @@ private:
 
     void topTen_i()
     {
-        for (const auto& [key, elements] : m_pairs) {
+        for (const auto& [key, samples] : m_pairs) {
             std::map<std::int64_t, std::uint64_t> counts;
-            for (const Element& element : elements)
-                ++counts[element.value];
+            for (const Sample& sample : samples)
+                ++counts[sample.value];
             std::set<std::pair<std::uint64_t, std::int64_t>> ascending;
             for (const auto& [value, times] : counts)
                 ascending.emplace(times, value);
             std::vector<Row> table;
             for (auto top = ascending.rbegin(); top != ascending.rend() && table.size() < 10; ++top)
-                table.push_back({text(at(m_scenario.values, top->second).text), count(top->first)});
+                table.push_back({text(at(m_valueTexts, top->second)), count(top->first)});
             std::string title = "M Summary: Top 10 Most-Frequent for ";
-            title += at(m_scenario.entities, elements.front().entity).name;
-            if (elements.front().descriptor >= 0) {
-                title += " and " + at(m_scenario.descriptors, elements.front().descriptor);
-            }
+            title += at(m_scenario.entities, samples.front().entity).name;
+            if (samples.front().descriptor >= 0) title += " and " + at(m_scenario.descriptors, std::get<2>(key));
             addTable_i(title, table, false);
         }
     }
 
     const Scenario& m_scenario;
-    const std::vector<Point>& m_points;
-    const std::int64_t m_clockMHz;    // 0 without a point: never told
-    std::map<Key, Elements> m_pairs;
+    const Samples& m_samples;
+    const std::int64_t m_clockMHz;    // 0 without a sample: never told
+    std::map<Key, Samples> m_pairs;
     std::set<int> m_entities;       // of the samples; combinations join where a table lets them
     std::set<int> m_descriptors;    // likewise
     std::size_t m_sampledDescriptors;
+    std::vector<std::string> m_valueTexts;
 };
 
 }    // namespace
 
+// In the order of their numbers.
 const std::vector<std::string>& tableTypes(Kind kind)
 {
-    return TABLE_TYPES.at(kind);
+    static const std::map<Kind, std::vector<std::string>> types = {
+        {Kind::SampledDelta, {"SAMPLE-COUNT", "AVERAGE-RATE-TOTAL", "TOTAL-DELTA"}},
+        {Kind::SampledResidency,
+         {"SAMPLE-COUNT", "RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND", "RESIDENCY-COMBINED"}},
+        {Kind::SampledValue,
+         {"SAMPLE-COUNT", "MIN-MAX-AVG", "NUMBER-OF-OCCURENCES", "RELATIVE-FREQUENCY-PERCENTAGE", "MIN-MAX",
+          "APPROXIMATED-RESIDENCY"}},
+        {Kind::TracedValueTransition,
+         {"RESIDENCY-PERCENTAGE", "RESIDENCY-MILLISECOND", "TRANSITION-COUNTS", "RESIDENCY-COMBINED"}},
+        {Kind::TracedEvent, {"SAMPLE-COUNT", "EVENT-NAME-COUNTS", "TOP-TEN-EVENT"}},
+    };
+    return types.at(kind);
 }
 
-bool Timing::take(const Sample& sample)
+bool Timing::take(Sample sample)
 {
     if (sample.timestamp == 0) return false;
-    const bool isTraced = m_scenario.kind == Kind::TRANSITION || m_scenario.kind == Kind::EVENT;
-    const std::uint64_t given = sample.given == RESET ? 0 : sample.given;
+    const bool isReset = sample.duration == pwr::Metric::RESET_DURATION;
+    const std::uint64_t given = isReset ? 0 : sample.duration;
     std::uint64_t& previous = m_previous[{sample.entity, sample.descriptor}];
     const bool isFirst = previous == 0;
     if (isFirst) previous = m_lastPoint[sample.entity] = m_scenario.start;
@@ -603,19 +590,18 @@ bool Timing::take(const Sample& sample)
     if (given > elapsed) return false;
     previous = sample.timestamp;
 
-    Element element{sample.entity, sample.descriptor, sample.value, given != 0 ? given : elapsed};
-    if (isTraced) {
-        points.push_back({sample.timestamp, {element}});
+    sample.duration = given != 0 ? given : elapsed;
+    if (m_scenario.kind == Kind::TracedValueTransition || m_scenario.kind == Kind::TracedEvent) {
+        push_i({sample});
         return true;
     }
-    if (m_buffer.timestamp != sample.timestamp) flush();
-    if (m_scenario.kind == Kind::RESIDENCY) {
+    if (!m_buffer.empty() && m_buffer.front().timestamp != sample.timestamp) flush();
+    if (m_scenario.kind == Kind::SampledResidency) {
         const std::uint64_t since = sinceLastPoint(sample.entity, sample.timestamp);
-        element.duration = given != 0 ? std::min(given, since) : since;
+        sample.duration = given != 0 ? std::min(given, since) : since;
     }
-    if (sample.given == RESET) element.duration = 0;
-    m_buffer.timestamp = sample.timestamp;
-    m_buffer.elements.push_back(element);
+    if (isReset) sample.duration = 0;
+    m_buffer.push_back(sample);
     return true;
 }
 
@@ -628,25 +614,34 @@ std::uint64_t Timing::sinceLastPoint(int entity, std::uint64_t timestamp) const
 // A residency point whose durations differ within an entity, or whose states fill more than its duration, is dropped.
 void Timing::flush()
 {
-    bool isValid = !m_buffer.elements.empty();
+    bool isValid = true;
     std::map<int, std::pair<std::uint64_t, std::uint64_t>> entities;
-    for (const Element& element : m_buffer.elements) {
-        if (m_scenario.kind != Kind::RESIDENCY) break;
-        auto& [duration, sum] = entities.emplace(element.entity, std::make_pair(element.duration, 0)).first->second;
-        isValid = duration == element.duration;
+    for (const Sample& sample : m_buffer) {
+        if (m_scenario.kind != Kind::SampledResidency) break;
+        auto& [duration, sum] = entities.emplace(sample.entity, std::make_pair(sample.duration, 0)).first->second;
+        isValid = duration == sample.duration;
         if (!isValid) break;
-        sum += static_cast<std::uint64_t>(element.value);
-        m_lastPoint[element.entity] = m_buffer.timestamp;
+        sum += static_cast<std::uint64_t>(sample.value);
+        m_lastPoint[sample.entity] = sample.timestamp;
     }
     for (const auto& entry : entities)
         isValid = isValid && entry.second.second <= entry.second.first;
-    if (isValid) points.push_back(m_buffer);
-    m_buffer.elements.clear();
+    if (isValid && !m_buffer.empty()) push_i(m_buffer);
+    m_buffer.clear();
 }
 
-std::vector<Push> recount(const Scenario& scenario, const std::vector<Point>& points)
+void Timing::push_i(Samples samples)
 {
-    return Recount(scenario, points).pushes;
+    for (Sample& sample : samples) {
+        sample.point = m_points;
+        pushed.push_back(sample);
+    }
+    ++m_points;
+}
+
+std::vector<Push> recount(const Scenario& scenario, const Samples& samples)
+{
+    return Recount(scenario, samples).pushes;
 }
 
 }    // namespace recount

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "metrics/Metric.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -13,19 +14,15 @@
 // whole numbers. Entities, descriptors and values are numbers here, in the order of their ids or sizes; -1 is none.
 namespace recount {
 
-// An exact fraction. The library's doubles may differ by as many roundings as it takes steps on the way; `size` is the
-// sum of the addends' magnitudes, which the numerator falls short of where they have different signs.
-struct Fraction {
-    std::int64_t numerator = 0;
-    std::int64_t denominator = 1;
-    std::int64_t size = 0;
-    int steps = 4;
-};
+using Kind = pwr::Metric::MetricType;
 
-// What a cell must hold: a text, or a figure (a sum of fractions) with `digits` behind the point.
+// What a cell must hold: a text, or a figure with `digits` behind the point, a quotient of whole numbers (infinite, or
+// no number, when the divisor is 0) or a sum of some. Its `size` is the sum of the addends' magnitudes, which the
+// figure falls short of where they have different signs: the library's doubles may be some roundings of it away.
 struct Cell {
     std::string text;
-    std::vector<Fraction> figure;
+    std::optional<long double> figure;
+    long double size = 0;
     int digits = 2;
 };
 
@@ -40,36 +37,23 @@ struct Sample {
     std::uint64_t timestamp;
     int entity;
     int descriptor;
-    std::int64_t value;    // which of Scenario::values; ticks in a residency
-    std::uint64_t given;
+    std::int64_t value;        // which of Scenario::values; ticks in a residency
+    std::uint64_t duration;    // as given; then as the metric works it out
+    std::size_t point = 0;     // number of the data point that it went out with
 };
 
-struct Element {
-    int entity;
-    int descriptor;
-    std::int64_t value;
-    std::uint64_t duration;
-};
-
-struct Point {
-    std::uint64_t timestamp = 0;
-    std::vector<Element> elements;
-};
-
-enum class Kind { DELTA, RESIDENCY, VALUE, TRANSITION, EVENT };
-
-const std::vector<std::string>& tableTypes(Kind kind);
+using Samples = std::vector<Sample>;
 
 struct Value {
     std::string text;
     std::int64_t halves = 0;    // of a number
-    std::string eventName;
+    std::string eventName = "";
     bool isHandle = false;
 };
 
 // One metric with all that is set up before its first sample.
 struct Scenario {
-    Kind kind = Kind::VALUE;
+    Kind kind = Kind::SampledValue;
     std::int64_t clockMHz = 1;
     std::uint64_t start = 0;
     std::string units;             // " (bytes)"; empty: no quantity
@@ -97,24 +81,35 @@ struct Scenario {
     std::vector<Table> configured;
 };
 
+template <typename T>
+const T& at(const std::vector<T>& items, std::int64_t index)
+{
+    return items[static_cast<std::size_t>(index)];
+}
+
+const std::vector<std::string>& tableTypes(Kind kind);
+
 // The timing rules.
 class Timing {
 public:
     explicit Timing(const Scenario& scenario) : m_scenario(scenario) {}
-    bool take(const Sample& sample);
+    bool take(Sample sample);
     void flush();
     std::uint64_t sinceLastPoint(int entity, std::uint64_t timestamp) const;
 
-    std::vector<Point> points;    // as they were pushed
+    Samples pushed;
 
 private:
+    void push_i(Samples samples);
+
     const Scenario& m_scenario;
     std::map<std::pair<int, int>, std::uint64_t> m_previous;
     std::map<int, std::uint64_t> m_lastPoint;
-    Point m_buffer;
+    Samples m_buffer;    // of one timestamp
+    std::size_t m_points = 0;
 };
 
 // The table pushes of a finalize(), in their order.
-std::vector<Push> recount(const Scenario& scenario, const std::vector<Point>& points);
+std::vector<Push> recount(const Scenario& scenario, const Samples& samples);
 
 }    // namespace recount

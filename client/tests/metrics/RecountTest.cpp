@@ -6,10 +6,10 @@
 #include <functional>
 #include <map>
 #include <random>
-#include <set>
 #include <tuple>
 
 using namespace pwr;
+using recount::at;
 using recount::Kind;
 using recount::Scenario;
 
@@ -17,45 +17,30 @@ namespace {
 
 constexpr int RUNS = 600;    // of each kind
 
-// The double is a few roundings of 2^-53 away from the fraction; a long double holds the fraction 2^11 times better.
-bool isAbout(long double shown, const std::vector<recount::Fraction>& figure, long double leeway)
-{
-    long double exact = 0;
-    for (const recount::Fraction& part : figure) {
-        const auto denominator = static_cast<long double>(part.denominator);
-        exact += static_cast<long double>(part.numerator) / denominator;
-        leeway += std::ldexp(part.steps * static_cast<long double>(part.size) / denominator, -53);
-    }
-    return std::fabs(shown - exact) <= leeway;
-}
-
-// What is divided by 0 is infinite, or no number. A sum that comes to 0 may be a rounding away from it.
-bool isUnbounded(const std::string& text, const std::vector<recount::Fraction>& figure)
-{
-    const recount::Fraction& part = figure.front();
-    const bool isSumOfSeveral = figure.size() > 1 || std::abs(part.numerator) != part.size;
-    if (isSumOfSeveral) return text.find("nan") != std::string::npos || text.find("inf") != std::string::npos;
-    if (part.numerator == 0) return text.find("nan") != std::string::npos;
-    return text == (part.numerator > 0 ? "inf" : "-inf");
-}
-
 bool isShown(const recount::Cell& cell, const std::string& text, const Data& value)
 {
-    if (cell.figure.empty()) return text == cell.text;
-    const auto isBottomless = [](const recount::Fraction& part) { return part.denominator == 0; };
-    if (std::any_of(cell.figure.begin(), cell.figure.end(), isBottomless)) return isUnbounded(text, cell.figure);
+    if (!cell.figure.has_value()) return text == cell.text;
+    const long double exact = *cell.figure;
+    if (std::isinf(exact)) return text == (exact > 0 ? "inf" : "-inf");
+    // Addends that come to 0 may be a rounding away from it, and no longer 0 / 0.
+    if (std::isnan(exact))
+        return text.find("nan") != std::string::npos ||
+               (std::isinf(cell.size) && text.find("inf") != std::string::npos);
 
+    // The double is some roundings of 2^-53 away; a long double is 2^11 times nearer to the fraction.
+    const long double leeway = std::ldexp(64 * cell.size, -53);
     double real = 0;
-    if (value.getType() == DataType::REAL && (value.toReal(real) != 0 || !isAbout(real, cell.figure, 0))) return false;
+    if (value.getType() == DataType::REAL && (value.toReal(real) != 0 || std::fabs(real - exact) > leeway))
+        return false;
     const std::size_t point = text.find('.');
     if (point == std::string::npos || text.size() - point - 1 != static_cast<std::size_t>(cell.digits)) return false;
     const long double unit = std::pow(10.0L, -cell.digits);
     const auto shown = static_cast<long double>(std::stoll(std::string(text).erase(point, 1))) * unit;
-    return isAbout(shown, cell.figure, unit / 2 * (1 + std::ldexp(1.0L, -50)));
+    return std::fabs(shown - exact) <= unit / 2 * (1 + std::ldexp(1.0L, -50)) + leeway;
 }
 
 // Makes up metrics and their samples, the same ones each time, and compares all their tables with the recount.
-class RecountTest : public test::MetricFixture {
+class RecountTest : public test::MetricFixture, public testing::WithParamInterface<Kind> {
 protected:
     RecountTest()
     {
@@ -89,10 +74,10 @@ protected:
                 continue;
             }
             EXPECT_EQ(0, metric->finalize());
-            compare_i(recount::recount(scenario, timing.points));
+            comparePoints_i(scenario, timing.pushed);
+            compareTables_i(recount::recount(scenario, timing.pushed));
             checkExtremes_i();
-            checkSampleCounts_i(kind != Kind::EVENT);
-            if (kind == Kind::TRANSITION) checkPercentages_i(scenario);
+            if (kind == Kind::TracedValueTransition) checkPercentages_i();
         }
         EXPECT_GT(m_figures, 20 * RUNS);
         EXPECT_GT(m_refused, RUNS);
@@ -120,9 +105,8 @@ private:
         for (const DataDescriptor* what : m_descriptors)
             scenario.descriptors.push_back(what->getName());
         scenario.entitiesInTable = {0, 1, 2, 3, 4};
-        std::sort(scenario.entitiesInTable.begin(), scenario.entitiesInTable.end(), [this](int a, int b) {
-            return std::less<>()(m_entities[static_cast<std::size_t>(a)], m_entities[static_cast<std::size_t>(b)]);
-        });
+        std::sort(scenario.entitiesInTable.begin(), scenario.entitiesInTable.end(),
+                  [this](int a, int b) { return std::less<>()(at(m_entities, a), at(m_entities, b)); });
         chooseQuantity_i(scenario);
         chooseValues_i(scenario);
         chooseParticipants_i(scenario);
@@ -141,20 +125,20 @@ private:
 
     void chooseValues_i(Scenario& scenario)
     {
-        m_setters.clear();
-        const std::uint64_t type = below_i(scenario.kind == Kind::DELTA ? 3 : 5);
+        m_values.clear();
+        const std::uint64_t type = below_i(scenario.kind == Kind::SampledDelta ? 3 : 5);
         scenario.areNumbers = type < 3;
         if (scenario.areNumbers) chooseNumbers_i(scenario, type);
         if (type == 3) {
             for (const char* name : {"boost", "idle", "off", "on"})
-                addValue_i(scenario, {name, 0, "", false}, std::string(name));
+                addValue_i(scenario, {name}, Data(name));
         }
-        if (type == 4 && scenario.kind == Kind::EVENT) {
+        if (type == 4 && scenario.kind == Kind::TracedEvent) {
             for (const Event* event : m_events)
-                addValue_i(scenario, {event->getName(), 0, event->getName(), true}, std::cref(*event));
+                addValue_i(scenario, {event->getName(), 0, event->getName(), true}, Data(*event));
         } else if (type == 4) {
             for (const DataDescriptor* state : m_states)
-                addValue_i(scenario, {state->getName(), 0, "", true}, std::cref(*state));
+                addValue_i(scenario, {state->getName(), 0, "", true}, Data(*state));
             for (std::uint64_t i = mayHaveFiniteSet_i(scenario) ? below_i(4) : 0; i > 0; --i)
                 scenario.finiteSet.push_back(static_cast<int>(below_i(m_states.size())));
         }
@@ -162,7 +146,7 @@ private:
 
     static bool mayHaveFiniteSet_i(const Scenario& scenario)
     {
-        return scenario.kind == Kind::VALUE || scenario.kind == Kind::TRANSITION;
+        return scenario.kind == Kind::SampledValue || scenario.kind == Kind::TracedValueTransition;
     }
 
     // Ascending: signed, unsigned, or real with a half.
@@ -172,30 +156,18 @@ private:
         for (std::uint64_t count = 1 + below_i(14); count > 0; --count) {
             number += static_cast<long long>(1 + below_i(30));
             const std::string text = std::to_string(number);
-            if (type == 0) addValue_i(scenario, {text, 2 * number, "", false}, number);
-            if (type == 1) addValue_i(scenario, {text, 2 * number, "", false}, static_cast<unsigned long long>(number));
+            if (type == 0) addValue_i(scenario, {text, 2 * number}, Data(number));
+            if (type == 1) addValue_i(scenario, {text, 2 * number}, Data(static_cast<unsigned long long>(number)));
             if (type == 2) {
-                addValue_i(scenario, {text + ".5", 2 * number + 1, "", false}, static_cast<double>(number) + 0.5);
+                addValue_i(scenario, {text + ".5", 2 * number + 1}, Data(static_cast<double>(number) + 0.5));
             }
         }
     }
 
-    template <typename T>
-    void addValue_i(Scenario& scenario, const recount::Value& value, const T& given)
+    void addValue_i(Scenario& scenario, const recount::Value& value, const Data& data)
     {
         scenario.values.push_back(value);
-        m_setters.push_back([given](DataElement& element) { element.setValue(unwrapped_i(given)); });
-    }
-
-    template <typename T>
-    static const T& unwrapped_i(const T& value)
-    {
-        return value;
-    }
-    template <typename T>
-    static const T& unwrapped_i(const std::reference_wrapper<const T>& value)
-    {
-        return value.get();
+        m_values.push_back(data);
     }
 
     // Which entities and descriptors have samples, and which pairs are promised.
@@ -210,8 +182,8 @@ private:
         for (int what = 0; what < static_cast<int>(m_descriptors.size()); ++what) {
             if (isOneIn_i(2)) m_sampledDescriptors.push_back(what);
         }
-        const bool mayMix = scenario.kind != Kind::VALUE && scenario.kind != Kind::RESIDENCY;
-        if (scenario.kind == Kind::RESIDENCY && m_sampledDescriptors.empty()) m_sampledDescriptors = {1};
+        const bool mayMix = scenario.kind != Kind::SampledValue && scenario.kind != Kind::SampledResidency;
+        if (scenario.kind == Kind::SampledResidency && m_sampledDescriptors.empty()) m_sampledDescriptors = {1};
         if (m_sampledDescriptors.empty() || (mayMix && isOneIn_i(4))) m_sampledDescriptors.push_back(-1);
         for (std::uint64_t i = isOneIn_i(2) ? 0 : 1 + below_i(4); i > 0; --i) {
             scenario.combinations.emplace_back(below_i(m_entities.size()), static_cast<int>(below_i(4)) - 1);
@@ -239,31 +211,23 @@ private:
 
     std::unique_ptr<Metric> makeMetric_i(const Scenario& scenario)
     {
-        static const std::map<Kind, Type> types = {{Kind::DELTA, Type::SampledDelta},
-                                                   {Kind::RESIDENCY, Type::SampledResidency},
-                                                   {Kind::VALUE, Type::SampledValue},
-                                                   {Kind::TRANSITION, Type::TracedValueTransition},
-                                                   {Kind::EVENT, Type::TracedEvent}};
         system.qvaClockFreqMHz = static_cast<float>(scenario.clockMHz);
         system.startTSC = scenario.start;
-        auto metric = makeMetric(types.at(scenario.kind), m_quantity);
+        auto metric = makeMetric(scenario.kind, m_quantity);
         if (scenario.hasValueGroup) metric->setValueGroupInfo(FieldDescription("Value", ""));
         metric->setSuppressEntityInfoInSummary(scenario.hidesEntities);
         std::vector<const DataDescriptor*> finiteSet;
         for (const int value : scenario.finiteSet)
-            finiteSet.push_back(m_states[static_cast<std::size_t>(value)]);
+            finiteSet.push_back(at(m_states, value));
         EXPECT_EQ(0, metric->setFiniteSetValues(finiteSet));
         std::vector<Metric::EntityDescCombo> combinations;
         for (const auto& [about, what] : scenario.combinations)
-            combinations.push_back({m_entities[static_cast<std::size_t>(about)], descriptor_i(what)});
+            combinations.push_back({at(m_entities, about), descriptor_i(what)});
         EXPECT_EQ(0, metric->setEntityDescriptorCombinations(combinations));
         return metric;
     }
 
-    const DataDescriptor* descriptor_i(int what) const
-    {
-        return what >= 0 ? m_descriptors[static_cast<std::size_t>(what)] : nullptr;
-    }
+    const DataDescriptor* descriptor_i(int what) const { return what >= 0 ? at(m_descriptors, what) : nullptr; }
 
     // An entity's time never goes back, but for samples that are refused; other entities may lag behind.
     void feed_i(Metric& metric, const Scenario& scenario, recount::Timing& timing)
@@ -286,12 +250,12 @@ private:
                       std::uint64_t step)
     {
         const bool isReset = isOneIn_i(12);
-        const bool isResidency = scenario.kind == Kind::RESIDENCY;
+        const bool isResidency = scenario.kind == Kind::SampledResidency;
         for (const int what : m_sampledDescriptors) {
             if (isOneIn_i(isResidency ? 12 : 4)) continue;
             recount::Sample sample{now, about, what, static_cast<std::int64_t>(below_i(scenario.values.size())), 0};
-            if (isOneIn_i(isResidency ? 60 : 5)) sample.given = below_i(2 * step);
-            if (isReset) sample.given = Metric::RESET_DURATION;
+            if (isOneIn_i(isResidency ? 60 : 5)) sample.duration = below_i(2 * step);
+            if (isReset) sample.duration = Metric::RESET_DURATION;
             const std::uint64_t last = m_lastTimes[{about, what}];
             if (last > 3 && isOneIn_i(20)) sample.timestamp = isOneIn_i(4) ? 0 : last - below_i(3);
             if (isResidency) {
@@ -310,16 +274,33 @@ private:
         if (isTaken) m_lastTimes[{sample.entity, sample.descriptor}] = sample.timestamp;
         m_refused += isTaken ? 0 : 1;
 
-        DataElement element(m_entities[static_cast<std::size_t>(sample.entity)], descriptor_i(sample.descriptor));
+        DataElement element(at(m_entities, sample.entity), descriptor_i(sample.descriptor));
         if (metric.getMetricType() == Type::SampledResidency) {
             element.setValue(static_cast<std::uint64_t>(sample.value));
         } else {
-            m_setters[static_cast<std::size_t>(sample.value)](element);
+            element.setValue(at(m_values, sample.value));
         }
-        EXPECT_EQ(isTaken ? 0 : 1, metric.setData(sample.timestamp, element, sample.given));
+        EXPECT_EQ(isTaken ? 0 : 1, metric.setData(sample.timestamp, element, sample.duration));
     }
 
-    void compare_i(const std::vector<recount::Push>& expected)
+    void comparePoints_i(const Scenario& scenario, const recount::Samples& expected) const
+    {
+        const std::vector<test::RecordedPoint>& points = session.writer.points;
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            for (const test::RecordedElement& element : points[i].elements) {
+                ASSERT_LT(count, expected.size());
+                const recount::Sample& sample = expected[count++];
+                ASSERT_EQ(sample.point, i);
+                ASSERT_EQ(sample.timestamp, points[i].timestamp);
+                ASSERT_EQ(at(scenario.entities, sample.entity).qualified, element.entity);
+                ASSERT_EQ(sample.duration, element.duration);
+            }
+        }
+        ASSERT_EQ(expected.size(), count);
+    }
+
+    void compareTables_i(const std::vector<recount::Push>& expected)
     {
         const std::vector<test::RecordedTable>& tables = session.writer.tables;
         ASSERT_EQ(expected.size(), tables.size());
@@ -358,48 +339,25 @@ private:
         return real;
     }
 
-    // The distinct timestamps that writers saw. Entities of one name have one row in some tables.
-    void checkSampleCounts_i(bool isPerEntity) const
+    // An entity's values fill its time. One that has several rows or columns counts once.
+    void checkPercentages_i() const
     {
-        std::map<std::string, std::set<unsigned long long>> timestamps;
-        for (const test::RecordedPoint& point : session.writer.points) {
-            for (const test::RecordedElement& element : point.elements)
-                timestamps[element.entity + (isPerEntity ? "" : element.descriptor)].insert(point.timestamp);
-        }
-        for (const test::RecordedTable& table : session.writer.tables) {
-            const auto column = std::find(table.columns.begin(), table.columns.end(), "Total # of samples");
-            if (column == table.columns.end() || isHeader_i(table) || table.cells.front() == "zed") continue;
-            const auto at = static_cast<std::size_t>(column - table.columns.begin());
-            const std::string name = table.cells[0] + (at == 2 ? table.cells[1] : "");
-            if (table.cells[at] == "0") continue;    // of a combination
-            EXPECT_EQ(std::to_string(timestamps[name].size()), table.cells[at]) << name;
-        }
-    }
-
-    // An entity's values fill its time.
-    void checkPercentages_i(const Scenario& scenario) const
-    {
-        for (const std::string& title : session.writer.tableTitles()) {
-            if (title.rfind("M Summary: Residency (Percentage)", 0) != 0) continue;
-            const std::vector<test::RecordedTable> pushes = session.writer.tablesNamed(title);
-            const bool isTransposed =
-                std::any_of(scenario.configured.begin(), scenario.configured.end(), [](const auto& table) {
-                    return table.type == "RESIDENCY-PERCENTAGE" && table.isTransposed;
-                });
-            std::map<std::size_t, std::map<std::string, double>> shares;    // by entity and value, which may repeat
-            for (std::size_t row = 1; row < pushes.size(); ++row) {
-                for (std::size_t at = 1; at < pushes[row].cells.size(); ++at) {
-                    if (pushes[row].cells[at].empty()) continue;
-                    const std::string& value = isTransposed ? pushes[row].columns[at] : pushes[row].cells[0];
-                    shares[isTransposed ? row : at][value] = real_i(pushes[row].values[at]);
-                }
+        std::map<std::pair<std::string, std::size_t>, std::map<std::string, double>> shares;
+        for (std::size_t i = 0; i < session.writer.tables.size(); ++i) {
+            const test::RecordedTable& push = session.writer.tables[i];
+            if (isHeader_i(push) || push.title.rfind(test::PERCENTAGE, 0) != 0) continue;
+            for (std::size_t cell = 1; cell < push.cells.size(); ++cell) {
+                if (push.cells[cell].empty()) continue;
+                const bool isTransposed = push.columns[cell].find(" (%)") != std::string::npos;
+                auto& ofEntity = shares[{push.title, isTransposed ? i : cell}];
+                ofEntity[isTransposed ? push.columns[cell] : push.cells[0]] = real_i(push.values[cell]);
             }
-            for (const auto& [about, ofValues] : shares) {
-                double sum = 0;
-                for (const auto& [value, share] : ofValues)
-                    sum += share;
-                EXPECT_TRUE(std::isnan(sum) || sum == 0 || std::fabs(sum - 100) < 1e-9) << title << ": " << sum;
-            }
+        }
+        for (const auto& [about, ofValues] : shares) {
+            double sum = 0;
+            for (const auto& [value, share] : ofValues)
+                sum += share;
+            EXPECT_TRUE(std::isnan(sum) || sum == 0 || std::fabs(sum - 100) < 1e-9) << about.first << ": " << sum;
         }
     }
 
@@ -412,7 +370,7 @@ private:
 
     // Of the run under way.
     const Quantity* m_quantity = nullptr;
-    std::vector<std::function<void(DataElement&)>> m_setters;    // of its values
+    std::vector<Data> m_values;
     std::vector<int> m_sampledEntities;
     std::vector<int> m_sampledDescriptors;
     std::map<std::pair<int, int>, std::uint64_t> m_lastTimes;
@@ -421,29 +379,13 @@ private:
     int m_refused = 0;
 };
 
-TEST_F(RecountTest, EveryFigureOfDeltas)
+TEST_P(RecountTest, EveryFigureOfEveryTable)
 {
-    recountRuns(Kind::DELTA);
+    recountRuns(GetParam());
 }
 
-TEST_F(RecountTest, EveryFigureOfResidencies)
-{
-    recountRuns(Kind::RESIDENCY);
-}
-
-TEST_F(RecountTest, EveryFigureOfSampledValues)
-{
-    recountRuns(Kind::VALUE);
-}
-
-TEST_F(RecountTest, EveryFigureOfTransitions)
-{
-    recountRuns(Kind::TRANSITION);
-}
-
-TEST_F(RecountTest, EveryFigureOfEvents)
-{
-    recountRuns(Kind::EVENT);
-}
+INSTANTIATE_TEST_SUITE_P(Metrics, RecountTest,
+                         testing::Values(Kind::SampledDelta, Kind::SampledResidency, Kind::SampledValue,
+                                         Kind::TracedValueTransition, Kind::TracedEvent));
 
 }    // namespace

@@ -31,6 +31,35 @@ TEST_F(SampleCountTest, CountsDistinctTimestampsOfAnEntityWhateverItsDescriptors
     EXPECT_EQ(TableMessageType::TABLE_LAYOUT, session.writer.tablesNamed(SAMPLED).front().type);
 }
 
+TEST_F(SampleCountTest, CombinationsAloneMakeNoDescriptorColumn)
+{
+    auto metric = makeMetric(Type::TracedEvent);
+    metric->setEntityDescriptorCombinations({{entity("A"), descriptor("x")}});
+    sample(*metric, 2000, entity("B"), nullptr, 1U);
+    session.log.clear();
+    metric->finalize();
+    EXPECT_THAT(rows("M Summary: Total Samples Received"), ElementsAre(ElementsAre("B", "1"), ElementsAre("A", "0")));
+    EXPECT_FALSE(session.log.contains("wrong type"));
+}
+
+TEST_F(SampleCountTest, IntervalsAreToldAtInfoLevel)
+{
+    session.log.environment().setVerbosity(4);
+    const EntityHandle* a = entity("A");
+    const std::string key = std::to_string(a->getId());
+    auto metric = makeMetric(Type::SampledValue);
+    sample(*metric, 2000, a, nullptr, 1U);
+    sample(*metric, 2300, a, nullptr, 1U);
+    metric->finalize();
+    for (const std::string& line :
+         {std::string("SampleCountSummarizer::processMessage has timestamp = 2000\n"),
+          "set key = " + key + " for A, <N/A>\n", std::string("A, <N/A> has prev = 2000, min = 300, max = 300\n"),
+          "Key = " + key + ", Entity = A, Min = 300, Max = 300\n",
+          std::string("Output config file entry not present for MetricContainer BOX and table type SAMPLE-COUNT.\n")}) {
+        EXPECT_TRUE(session.log.contains("INFO: " + line)) << line;
+    }
+}
+
 TEST_F(SampleCountTest, TableHasItsTitleFromTheConfigurationAndNoNotes)
 {
     configure("ALL_FEAT_BOX_SAMPLE-COUNT_TITLE=Counted\n"

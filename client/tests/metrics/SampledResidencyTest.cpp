@@ -46,19 +46,6 @@ TEST_F(SampledResidencyTest, TransposedTableHasAllPercentagesBeforeAllTimes)
     EXPECT_THAT(columns(TIME), ElementsAre("Core", "B (msec)", "A (msec)"));
 }
 
-// The layout of the first table is made before the combinations are looked at, those of the others after.
-TEST_F(SampledResidencyTest, EntityOfACombinationAloneComesTooLateForTheFirstTable)
-{
-    auto metric = makeMetric(Type::SampledResidency);
-    metric->setEntityDescriptorCombinations({{m_core1, m_a}});
-    sample(*metric, 2000, m_core0, m_a, 500U);
-    session.log.clear();
-    EXPECT_EQ(0, metric->finalize());
-    EXPECT_THAT(rows(PERCENTAGE), ElementsAre(ElementsAre("A", "50.00")));
-    EXPECT_EQ(1u, session.log.count("WARNING: No such entity Core_1 found in table " + PERCENTAGE));
-    EXPECT_THAT(rows(TIME), ElementsAre(ElementsAre("A", "0.50", "0.00")));
-}
-
 TEST_F(SampledResidencyTest, NullDescriptorIsSkippedWithAWarning)
 {
     for (const bool isTransposed : {false, true}) {

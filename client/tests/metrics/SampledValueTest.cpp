@@ -68,12 +68,11 @@ TEST_F(SampledValueTest, ConfiguredTablesComeFirstWithTheirTitlesAndNotes)
 
 TEST_F(SampledValueTest, NoSummaryAtAllIsToldAndFine)
 {
-    configure("ALL_FEAT_BOX_SAMPLE-COUNT_TABLE=NO\n"
-              "ALL_FEAT_BOX_MIN-MAX-AVG_TABLE=NO\n"
-              "ALL_FEAT_BOX_NUMBER-OF-OCCURENCES_TABLE=NO\n"
-              "ALL_FEAT_BOX_RELATIVE-FREQUENCY-PERCENTAGE_TABLE=NO\n"
-              "ALL_FEAT_BOX_MIN-MAX_TABLE=NO\n"
-              "ALL_FEAT_BOX_APPROXIMATED-RESIDENCY_TABLE=NO\n");
+    std::string statements;
+    for (const char* type : {"SAMPLE-COUNT", "MIN-MAX-AVG", "NUMBER-OF-OCCURENCES", "RELATIVE-FREQUENCY-PERCENTAGE",
+                             "MIN-MAX", "APPROXIMATED-RESIDENCY"})
+        statements += std::string("ALL_FEAT_BOX_") + type + "_TABLE=NO\n";
+    configure(statements);
     session.log.environment().setVerbosity(3);
     auto metric = makeMetric(Type::SampledValue);
     feed<int>(*metric, m_zed, nullptr, {1});

@@ -195,14 +195,20 @@ TEST_F(ThermalSampleHandlerTest, TablesComeWhenTheLastPluginLeaves)
     EXPECT_EQ(0, handler.setTemperature(m_a, 3000, 41, false));
 }
 
+// By the host, or together with the entities that it knows.
 TEST_F(ThermalSampleHandlerTest, TornDownHandlerMakesWayForANewOne)
 {
-    handlerOf({m_a}).setTemperature(m_a, 2000, 40, false);
-    QuorvaneHost::destroyThermalSampleHandler();
-    QuorvaneHost::destroyThermalSampleHandler();    // harmless
-    EXPECT_EQ(1, ThermalSampleHandler::release(plugin(0)));
-    EXPECT_THAT(points(), IsEmpty());
-    EXPECT_EQ(0, handlerOf({m_a}).setTemperature(m_a, 2000, 40, false)) << "knows nothing of the first";
+    for (const auto& tearDown : {QuorvaneHost::destroyThermalSampleHandler, UniqueId::destroy}) {
+        handlerOf({m_a}).setTemperature(m_a, 2000, 40, false);
+        tearDown();
+        tearDown();    // harmless
+        EXPECT_EQ(1, ThermalSampleHandler::release(plugin(0)));
+        EXPECT_THAT(points(), IsEmpty());
+        UniqueId::initialize();
+        m_a = entity("A");
+        EXPECT_EQ(0, handlerOf({m_a}).setTemperature(m_a, 2000, 40, false)) << "knows nothing of the first";
+        QuorvaneHost::destroyThermalSampleHandler();
+    }
 }
 
 TEST_F(ThermalSampleHandlerTest, WithoutAWriterStreamThereIsNoHandler)

@@ -23,7 +23,8 @@ class TextNotes;
 // One measurement, for instance temperature per core: takes time-stamped samples, checks their timing, gathers those of
 // one sampling point, hands each finished data point to the writers (the timeline) and to its accumulators (the
 // summaries), and has the accumulators send their tables at the end. Its plugin owns it; it outlives every message that
-// points at its notes. Timestamps and durations are ticks of the default clock. One thread at a time.
+// points at its notes, and speaks to the writer stream that the environment had when it was made. Timestamps and
+// durations are ticks of the default clock. One thread at a time.
 //
 //   Metric metric("Core temperature", Metric::MetricType::SampledValue, "TEMP", "TEMPERATURE", system,
 //                 Quantity::temperature());

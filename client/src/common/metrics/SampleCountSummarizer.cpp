@@ -87,7 +87,6 @@ void SampleCountSummarizer::addRow_i(std::uint64_t key, const Row& row)
 void SampleCountSummarizer::addCombinations_i(const Metric& metric)
 {
     for (const Metric::EntityDescCombo& combo : metric.getEntityDescriptorCombinations()) {
-        if (combo.entity == nullptr) continue;
         addRow_i(pwr::elementKey(combo.entity, combo.descriptor), {combo.entity, combo.descriptor});
     }
 }

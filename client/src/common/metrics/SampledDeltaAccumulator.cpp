@@ -196,9 +196,8 @@ void SampledDeltaAccumulator::makeTransposedRateTable_i(const pwr::TableRequest&
     const unsigned int what = table.addSharedGroupColumn(metric.getDescriptorGroupInfo(), DataType::HANDLE);
     const unsigned int rate = table.addColumn("Average Rate" + m_rateUnits, DataType::STRING);
     const unsigned int total = table.addColumn("Total" + m_units, DataType::STRING);
-    for (const auto& entry : m_participants.entities()) {
-        if (entry.second != nullptr) table.addEntity(entry.second);
-    }
+    for (const auto& entry : m_participants.entities())
+        table.addEntity(entry.second);
     table.pushHeader();
 
     for (const auto& entry : m_participants.descriptors()) {

@@ -128,10 +128,7 @@ int ThermalSampleHandler::resetTemperatures(std::vector<const EntityHandle*>& en
                                             unsigned short temperature)
 {
     m_sweepTimestamp = timestamp;
-    if (!m_isLowOverhead) {
-        m_temperaturesSet = 0;
-        ++m_sweep;
-    }
+    if (!m_isLowOverhead) m_temperaturesSet = 0;    // the next reading opens a sweep
     for (const EntityHandle* entity : entities) {
         Reader* reader = readerOf_i(entity);
         if (reader == nullptr) return 1;

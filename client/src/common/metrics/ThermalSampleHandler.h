@@ -17,12 +17,13 @@ class DataElement;
 class EntityHandle;
 class Metric;
 class SystemMetadata;
+class UniqueId;
 
 // The one temperature metric of the process, shared by all plugins that read temperatures. It puts the readings of a
 // sampling sweep on the timestamp of the sweep's first, so that the metric sees them as one sampling point. A sweep
 // ends when an entity reports for the second time. Made by the first get(); its metric sends its tables when the last
-// plugin has called release(), and both live on until QuorvaneHost::destroyThermalSampleHandler(). One thread at a
-// time, the first get() included.
+// plugin has called release(), and both live on until QuorvaneHost::destroyThermalSampleHandler() or
+// UniqueId::destroy(). One thread at a time, the first get() included.
 //
 //   ThermalSampleHandler* temperatures = ThermalSampleHandler::get(system, this);
 //   temperatures->addEntity(core0);
@@ -35,8 +36,8 @@ class SystemMetadata;
 class QUORVANE_API ThermalSampleHandler {
 public:
     // Joins `plugin`, once more each time. The handler stays the process's; valid until it is destroyed. The first
-    // caller's `system` outlives it. The first call throws a const char* text without a writer stream in the
-    // environment, and joins nobody.
+    // caller's `system` and the writer stream of that moment serve it all its life. The first call throws a const char*
+    // text without a writer stream in the environment, and joins nobody.
     static ThermalSampleHandler* get(const SystemMetadata& system, const MetricPlugin* plugin);
 
     // Takes back one get(). The last one finalises the metric if it has samples, and gives 1 if that failed. Refuses a
@@ -62,6 +63,7 @@ public:
 
 private:
     friend class ::QuorvaneHost;
+    friend class UniqueId;
 
     struct Reader {
         std::unique_ptr<DataElement> element;

@@ -127,8 +127,8 @@ void TracedEventAccumulator::makeTopTables_i(const pwr::TableRequest& request)
     const Metric& metric = request.metric;
     const pwr::TextNotes* notes = makeNotes_i(request.info);
     for (const Record* record : m_records.inKeyOrder()) {
-        std::string title = request.title + " Summary: Top " + std::to_string(TOP_COUNT) + " Most-Frequent";
-        if (record->entity != nullptr) title += " for " + record->entity->getName();
+        std::string title = request.title + " Summary: Top " + std::to_string(TOP_COUNT) + " Most-Frequent for " +
+                            record->entity->getName();
         if (record->descriptor != nullptr) title += " and " + record->descriptor->getName();
         SummaryTable table(*m_stream, metric, title, notes);
         const unsigned int valueColumn = table.addGroupColumn(metric.getValueGroupInfo(), m_valueType);

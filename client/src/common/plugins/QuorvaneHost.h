@@ -42,8 +42,8 @@ public:
     // Makes `child` a child of `parent`. Returns 0; 1 for null, and with a warning when it would make a cycle.
     static int addChild(pwr::EntityHandle* parent, pwr::EntityHandle* child);
 
-    // Ends the shared temperature metric, if any plugin used it, before UniqueId::destroy() and the next run's get().
-    // What was not released is not finalised.
+    // Ends the shared temperature metric, if any plugin used it, before the next run's get(), which may have another
+    // stream and record. What was not released is not finalised. UniqueId::destroy() does it too.
     static void destroyThermalSampleHandler();
 
     // Puts a number where Registry::RegReadDword() finds it, in place of one of the same name, on a system without a

@@ -1,5 +1,6 @@
 #include "values/UniqueId.h"
 
+#include "metrics/ThermalSampleHandler.h"
 #include "runtime/os/Os.h"
 #include "values/DataHandleProvider.h"
 #include "values/IdManager.h"
@@ -111,6 +112,7 @@ void UniqueId::initialize()
 void UniqueId::destroy()
 {
     if (IdManager::s_instance == nullptr) return;
+    ThermalSampleHandler::destroy_i();
     DataHandleProvider::withdraw_i();
     ProcessManager::instance_i().clear_i();
     Quantity::forgetDefaults_i();

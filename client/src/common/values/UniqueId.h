@@ -21,8 +21,9 @@ public:
     // Makes the registry and the default quantities. Does nothing while a registry exists.
     static void initialize();
 
-    // Deletes all identified objects in creation order, drops the topology provider and forgets all processes. Harmless
-    // without a registry. Pointers to identified objects, the default quantities among them, are dead afterwards.
+    // Ends the shared temperature metric, drops the topology provider, forgets all processes and deletes all identified
+    // objects in creation order. Harmless without a registry. Pointers to identified objects, the default quantities
+    // among them, are dead afterwards.
     static void destroy();
 
     virtual ~UniqueId();
