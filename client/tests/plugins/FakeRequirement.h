@@ -8,6 +8,7 @@ namespace test {
 struct RequirementCounts {
     int asked = 0;
     int deleted = 0;
+    pwr::PluginRequirement::Params params;    // of the last question
 };
 
 // A requirement with a known answer.
@@ -20,9 +21,10 @@ public:
     ~FakeRequirement() override { ++m_counts.deleted; }
 
 protected:
-    bool isPluginRequirementSatisfied_i(const pwr::SystemMetadata&, const Params&) const override
+    bool isPluginRequirementSatisfied_i(const pwr::SystemMetadata&, const Params& params) const override
     {
         ++m_counts.asked;
+        m_counts.params = params;
         return m_isMet;
     }
 

@@ -10,7 +10,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 using namespace pwr;
@@ -22,7 +21,7 @@ using Names = std::vector<std::string>;
 
 class FakePlugin : public Plugin {
 public:
-    explicit FakePlugin(const std::string& uuid = "uuid-1") : Plugin(uuid) {}
+    FakePlugin() : Plugin("uuid-1") {}
     using Plugin::addCapability;
 
     Names notified;    // the parameters at each notification
@@ -88,34 +87,12 @@ private:
     }
 };
 
-TEST(PluginTest, StartsWithoutNumberParametersAndCapabilities)
-{
-    FakePlugin plugin("some uuid");
-    EXPECT_EQ(-1, plugin.getSID());
-    EXPECT_EQ("some uuid", plugin.getUUID());
-    EXPECT_EQ("", plugin.getCommandlineParams());
-    Plugin::Capabilities all;
-    plugin.getAllCapabilities(all);
-    EXPECT_TRUE(all.empty());
-    plugin.setSID(12);
-    EXPECT_EQ(12, plugin.getSID());
-}
-
 TEST(PluginTest, DerivedClassLearnsOfParametersThatAreInPlace)
 {
     FakePlugin plugin;
     plugin.setCommandlineParams("-t 5");
     plugin.setCommandlineParams("");
     EXPECT_EQ((Names{"-t 5", ""}), plugin.notified);
-}
-
-TEST(PluginTest, DefaultsDropAResetAndHaveNothingToTell)
-{
-    FakePlugin plugin;
-    std::vector<std::pair<std::string, std::string>> versions{{"host", "1"}};
-    plugin.getVersion(versions);
-    EXPECT_EQ(1u, versions.size());
-    EXPECT_EQ(Plugin::ResetReturnCode::DROP, plugin.reset(Plugin::ResetReason::OTHER, 5, SystemMetadata()));
 }
 
 TEST(PluginTest, OwnsItsCapabilitiesAndDeletesThemFrontToBack)
@@ -146,7 +123,12 @@ TEST_F(PluginCapabilitiesTest, SuitableOnesAreFoundByNameGroupOrAll)
 
     Plugin::Capabilities out;
     m_plugin.getAllCapabilities(out, m_system);
-    EXPECT_EQ((Names{"b", "c"}), namesOf(out));
+    m_plugin.getCapabilitiesFor(out, "b", m_system);
+    EXPECT_EQ((Names{"b", "c", "b"}), namesOf(out)) << "appends";
+    EXPECT_TRUE(m_counts.params.empty());
+    const Plugin::Params params{{"switch", "on"}};
+    m_plugin.getCapabilitiesFor(out, "a", m_system, params);
+    EXPECT_EQ(params, m_counts.params) << "they reach the requirements";
 }
 
 TEST_F(PluginCapabilitiesTest, WithoutASystemTheNameAloneDecides)
@@ -157,35 +139,6 @@ TEST_F(PluginCapabilitiesTest, WithoutASystemTheNameAloneDecides)
     m_plugin.getAllCapabilities(out);
     EXPECT_EQ((Names{"a", "c", "b", "a", "c"}), namesOf(out)) << "appends";
     EXPECT_EQ(0, m_counts.asked);
-}
-
-TEST_F(PluginCapabilitiesTest, SearchesAppend)
-{
-    Plugin::Capabilities out;
-    m_plugin.getCapabilitiesFor(out, "b", m_system, {});
-    m_plugin.getCapabilitiesFor(out, "", m_system, {});
-    EXPECT_EQ((Names{"b", "b", "c"}), namesOf(out));
-}
-
-TEST_F(PluginCapabilitiesTest, ParametersReachTheRequirements)
-{
-    class Asks : public PluginRequirement {
-    public:
-        Asks() : PluginRequirement("ASKS", false) {}
-
-    protected:
-        bool isPluginRequirementSatisfied_i(const SystemMetadata&, const Params& params) const override
-        {
-            return !params.empty() && params[0].second == "on";
-        }
-    };
-    auto capability = std::make_unique<PluginCapability>("d", "", false);
-    capability->addPluginRequirement(new Asks);
-    m_plugin.addCapability(capability.release());
-    EXPECT_EQ(Names{}, found("d"));
-    Plugin::Capabilities out;
-    m_plugin.getCapabilitiesFor(out, "d", m_system, {{"switch", "on"}});
-    EXPECT_EQ(Names{"d"}, namesOf(out));
 }
 
 TEST_F(PluginCapabilitiesTest, EachSuitableOneIsReportedAtInfo)

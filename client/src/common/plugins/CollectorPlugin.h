@@ -24,6 +24,8 @@ class QUORVANE_API CollectorPlugin : public Plugin {
 public:
     using Results = std::vector<std::pair<std::string, std::string>>;
 
+    ~CollectorPlugin() override;
+
     // Begins to gather what the messages ask for; `system` gets what only the collector knows (start time stamp,
     // clock).
     virtual int startCollection(const std::vector<pwr::InputMsg*>& messages, pwr::SystemMetadata& system) = 0;
@@ -58,7 +60,6 @@ public:
 
 protected:
     explicit CollectorPlugin(const std::string& uuid);
-    ~CollectorPlugin() override;
 
     void addOperation(const pwr::Operation* operation);    // takes ownership; null is left out
 

@@ -16,11 +16,8 @@ Plugin::Plugin(const std::string& uuid) : m_uuid(uuid) {}
 
 Plugin::~Plugin()
 {
-    for (const pwr::PluginCapability* capability : m_capabilities) {
-        if (capability == nullptr) break;
+    for (const pwr::PluginCapability* capability : m_capabilities)
         delete capability;
-    }
-    m_capabilities.clear();
 }
 
 void Plugin::getVersion(std::vector<std::pair<std::string, std::string>>&) {}

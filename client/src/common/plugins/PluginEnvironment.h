@@ -4,6 +4,7 @@
 #include "runtime/Export.h"
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>

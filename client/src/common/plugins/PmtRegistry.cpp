@@ -22,9 +22,11 @@ unsigned short countOf(const std::vector<_qv_aggregator_info>& endpoints)
 
 void PluginEnvironment::addLoadedPMT(_qv_aggregator_info endpoint)
 {
-    m_pmtEndpoints[endpoint.guid].push_back(endpoint);
-    m_loadedPMTGuids.insert(endpoint.guid);
-    m_pmtDeviceGuids[endpoint.deviceKey] = endpoint.guid;
+    const unsigned int guid = endpoint.guid;    // copies: no reference may point into the packed record
+    const unsigned short deviceKey = endpoint.deviceKey;
+    m_pmtEndpoints[guid].push_back(endpoint);
+    m_loadedPMTGuids.insert(guid);
+    m_pmtDeviceGuids[deviceKey] = guid;
 }
 
 std::set<unsigned int> PluginEnvironment::getLoadedPMTGUIDs()
