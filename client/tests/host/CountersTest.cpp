@@ -225,15 +225,13 @@ TEST_F(CountersTest, InterruptsOfBothKindsAreOnePoint)
 
 TEST_F(CountersTest, ASourceThatTellsNothingIsNone)
 {
-    const host::DiskIo plugin;
     machine.load();
-    const auto explain = [&] { return plugin.getCapability().explain(machine.record, machine.params); };
     const std::string path = tree.root() + "/proc/diskstats";
-    EXPECT_EQ("requires disk counters: there is no " + path, explain());
+    EXPECT_EQ("requires disk counters: there is no " + path, explain<host::DiskIo>());
     disks("   8 0 sda 1 2 3\n");
-    EXPECT_EQ("requires disk counters: " + path + " can't be read or tells no numbers", explain());
+    EXPECT_EQ("requires disk counters: " + path + " can't be read or tells no numbers", explain<host::DiskIo>());
     disks(disk("sda", 0, 0));
-    EXPECT_EQ("", explain());
+    EXPECT_EQ("", explain<host::DiskIo>());
 }
 
 }    // namespace

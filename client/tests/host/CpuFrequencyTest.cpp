@@ -136,11 +136,10 @@ TEST_F(CpuFrequencyTest, WithoutADriverTheReportedFrequencyCounts)
 
 TEST_F(CpuFrequencyTest, NoFrequencyIsARequirementThatFails)
 {
-    const host::CpuFrequency plugin;
     tree.write("proc/cpuinfo", "processor : 0\nBogoMIPS : 5\n");
     machine.load();
     EXPECT_EQ("requires processor frequencies: " + tree.root() + "/proc/cpuinfo can't be read or tells no cpu MHz",
-              plugin.getCapability().explain(machine.record, machine.params));
+              explain<host::CpuFrequency>());
 }
 
 }    // namespace

@@ -101,32 +101,24 @@ TEST_F(CpuLoadTest, ASuspendIsNobodysTimeAndTheBaselineBehindItCounts)
 
 TEST_F(CpuLoadTest, AFileWithoutProcessorsIsNoSource)
 {
-    const host::CpuLoad plugin;
     machine.load();
-    const auto explain = [&] { return plugin.getCapability().explain(machine.record, machine.params); };
     const std::string path = tree.root() + "/proc/stat";
     for (const char* text : {"", "cpu 1 2 3 4\n", "cpu0", "cpu0 1 2 3"}) {
         tree.write("proc/stat", text);
-        EXPECT_EQ("requires processor times: " + path + " can't be read or tells no cpu*", explain()) << text;
+        EXPECT_EQ("requires processor times: " + path + " can't be read or tells no cpu*", explain<host::CpuLoad>())
+            << text;
     }
     tree.write("proc/stat", "cpu0 1 2 3 4");
-    EXPECT_EQ("", explain());
+    EXPECT_EQ("", explain<host::CpuLoad>());
     tree.remove("proc/stat");
-    EXPECT_EQ("requires processor times: there is no " + path, explain());
+    EXPECT_EQ("requires processor times: there is no " + path, explain<host::CpuLoad>());
 }
 
 // The configuration of machines with very many cores: the total line, and the columns of every machine.
 TEST_F(CpuLoadTest, AllProcessorsTogetherAreOneEntity)
 {
-    feature = std::make_unique<host::CpuLoad>();
-    host::enroll(*feature, machine.record);
-    machine.load();
-    machine.params = {{host::SourceRequirement::PLATFORMS, "CORES=MANY"}};
-    pwr::DataHandleProvider::initTopology(machine.record);
-    collection = std::make_unique<host::Collection>(machine.record, *machine.collector,
-                                                    std::vector<host::FeaturePlugin*>{feature.get()});
     tree.write("proc/stat", "cpu 100 0 100 800 100 0 0 0 70 70\ncpu0 1 1 1 1\n");
-    ASSERT_EQ(nullptr, collection->begin(machine.params));
+    start<host::CpuLoad>("CORES=MANY");
     tree.write("proc/stat", "cpu 110 0 110 870 110 0 0 0 99 99\ncpu0 9 9 9 9\n");
     round(100);
     ASSERT_TRUE(finish());

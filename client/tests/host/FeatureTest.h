@@ -61,17 +61,26 @@ protected:
     explicit FeatureTest(const std::string& treeName) : machine(treeName), tree(machine.tree) {}
     ~FeatureTest() override { QuorvaneHost::destroyThermalSampleHandler(); }
 
+    // On the machine's own platforms, or those given.
     template <typename F>
-    void start()
+    void start(const std::string& platforms = "")
     {
         feature = std::make_unique<F>();
         host::enroll(*feature, machine.record);
         machine.load();
+        if (!platforms.empty()) machine.params = {{host::SourceRequirement::PLATFORMS, platforms}};
         ASSERT_EQ("", feature->getCapability().explain(machine.record, machine.params));
         ASSERT_EQ(0, pwr::DataHandleProvider::initTopology(machine.record));
         collection = std::make_unique<host::Collection>(machine.record, *machine.collector,
                                                         std::vector<host::FeaturePlugin*>{feature.get()});
         ASSERT_EQ(nullptr, collection->begin(machine.params));
+    }
+
+    // Why the loaded machine doesn't offer the feature.
+    template <typename F>
+    std::string explain() const
+    {
+        return F().getCapability().explain(machine.record, machine.params);
     }
 
     // `ms`: since the start.

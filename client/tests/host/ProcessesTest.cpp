@@ -140,15 +140,13 @@ TEST_F(ProcessesTest, ASuspendLosesNoEvent)
 
 TEST_F(ProcessesTest, WithoutProcessesTheRequirementSaysSo)
 {
-    const host::Processes plugin;
     machine.load();
-    const auto explain = [&] { return plugin.getCapability().explain(machine.record, machine.params); };
     const std::string path = tree.root() + "/proc/*/stat";
-    EXPECT_EQ("requires processes: there is no " + path, explain());
+    EXPECT_EQ("requires processes: there is no " + path, explain<host::Processes>());
     tree.write("proc/5/stat", "");
-    EXPECT_EQ("requires processes: " + path + " can't be read", explain());
+    EXPECT_EQ("requires processes: " + path + " can't be read", explain<host::Processes>());
     run(5, "x", 0, 1);
-    EXPECT_EQ("", explain());
+    EXPECT_EQ("", explain<host::Processes>());
 }
 
 }    // namespace

@@ -55,16 +55,14 @@ TEST_F(TemperatureOfUnreadableTest, OnlyReadableZonesAreMeasuredUnderNamesOfThei
 
 TEST_F(TemperatureOfUnreadableTest, TheRequirementTellsWhetherThereAreZones)
 {
-    const host::Temperature plugin;
     machine.load();
-    const auto explain = [&] { return plugin.getCapability().explain(machine.record, machine.params); };
     const std::string path = tree.root() + "/sys/class/thermal/thermal_zone*/temp";
-    EXPECT_EQ("", explain());
+    EXPECT_EQ("", explain<host::Temperature>());
     for (const char* zone : {"0", "2"})
         tree.write(std::string("sys/class/thermal/thermal_zone") + zone + "/temp", "hot\n");
-    EXPECT_EQ("requires thermal zones: " + path + " can't be read", explain());
+    EXPECT_EQ("requires thermal zones: " + path + " can't be read", explain<host::Temperature>());
     tree.remove("sys/class/thermal");
-    EXPECT_EQ("requires thermal zones: there is no " + path, explain());
+    EXPECT_EQ("requires thermal zones: there is no " + path, explain<host::Temperature>());
 }
 
 TEST_F(TemperatureTest, ASampleBehindASuspendStandsForNoTime)

@@ -134,9 +134,9 @@ int Collector::startCollection(const std::vector<pwr::InputMsg*>& messages, pwr:
     m_produced = 0;
     m_start = m_last = m_clock.read();
     system.startTSC = system.stopTSC = m_start.tick;
-    read_i(AT_START);
     m_startTimeval = m_lastTimeval = pwr::QVNanoClock().getTimestamp();
     system.startTimeval = system.stopTimeval = m_startTimeval;
+    read_i(AT_START);
     return 0;
 }
 
@@ -164,6 +164,7 @@ bool Collector::open_i(const pwr::InputMsg& message)
 int Collector::stopCollection(CollectionData& summary)
 {
     if (!m_isRunning) return 1;
+    if (m_isPaused) resumeCollection();
     if (std::any_of(m_tasks.begin(), m_tasks.end(), [](const Task& task) { return task.isRead[AT_STOP]; }) &&
         takeTick_i()) {
         read_i(AT_STOP);

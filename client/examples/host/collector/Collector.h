@@ -30,9 +30,9 @@ public:
 
     // Opens the sources. 1, with an error line and nothing begun, for ids that don't fit into a record.
     int startCollection(const std::vector<pwr::InputMsg*>& messages, pwr::SystemMetadata& system) override;
-    int stopCollection(CollectionData& summary) override;
-    int pauseCollection() override;     // 1 when there is nothing to pause
-    int resumeCollection() override;    // 1 when there was no pause
+    int stopCollection(CollectionData& summary) override;    // ends a pause too. 1 outside a collection
+    int pauseCollection() override;                          // 1 when there is nothing to pause
+    int resumeCollection() override;                         // 1 when there was no pause
 
     // Reads what is polled. 1, with nothing read, outside a collection, in a pause, and while the clock has not moved
     // on since the last records.

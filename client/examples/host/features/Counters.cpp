@@ -78,13 +78,15 @@ void Counters::takeBaseline_i(const Source& source, const Items& items, unsigned
 Counters::Group& Counters::groupOf_i(const Source& source)
 {
     const auto [entry, isNew] = m_groups.try_emplace(source.tag);
+    Group& group = entry->second;
+    if (!isNew) return group;
     for (const Amount& amount : m_feature.amounts) {
-        if (!isNew || amount.source != source.tag) continue;
+        if (amount.source != source.tag) continue;
         std::uint64_t at = 0;
         SystemTree::parseNumber(constant_i(std::string("COLUMNS_") + amount.column, ""), at);
-        entry->second.columns.push_back({static_cast<std::size_t>(at), amount.name, nullptr});
+        group.columns.push_back({static_cast<std::size_t>(at), amount.name, nullptr});
     }
-    return entry->second;
+    return group;
 }
 
 std::unique_ptr<pwr::Metric> Counters::makeMetric_i(const pwr::SystemMetadata& system)
@@ -93,18 +95,17 @@ std::unique_ptr<pwr::Metric> Counters::makeMetric_i(const pwr::SystemMetadata& s
                                                 m_feature.container, getSwitchTag(), system, m_feature.quantity());
     metric->setEntityGroupInfo(pwr::FieldDescription(m_feature.things, ""));
     metric->setDescriptorGroupInfo(pwr::FieldDescription(m_feature.kinds, ""));
-    for (auto& [tag, group] : m_groups) {
-        for (Column& column : group.columns) {
-            if (!column.name.empty())
-                column.descriptor = pwr::DataDescriptor::create(pwr::DataDescriptorBuilder(column.name, ""));
-        }
-    }
     return metric;
 }
 
 void Counters::takeRound_i(const Source& source, const Items& items, unsigned long long tsc)
 {
-    takeRows_i(groupOf_i(source), items, tsc);
+    Group& group = groupOf_i(source);
+    for (Column& column : group.columns) {
+        if (column.descriptor == nullptr && !column.name.empty())
+            column.descriptor = pwr::DataDescriptor::create(pwr::DataDescriptorBuilder(column.name, ""));
+    }
+    takeRows_i(group, items, tsc);
 }
 
 void Counters::takeRows_i(Group& group, const Items& items, unsigned long long tsc)

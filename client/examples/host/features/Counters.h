@@ -58,7 +58,7 @@ private:
     struct Column {
         std::size_t at = 0;
         std::string name;
-        const pwr::DataDescriptor* descriptor = nullptr;
+        const pwr::DataDescriptor* descriptor = nullptr;    // null before its first round, and without a name
     };
     struct Thing {
         const pwr::EntityHandle* entity = nullptr;    // null before its first sample

@@ -55,6 +55,10 @@ CpuIdle::CpuIdle() : FeaturePlugin("quorvane-host-cpu-idle", makeCapability()) {
 
 void CpuIdle::takeBaseline_i(const Source& source, const Items& items, unsigned long long tsc)
 {
+    if (m_active != nullptr) {    // all states are announced with the first round
+        remark_i("the states of " + source.pattern + " are left out, since they came after others");
+        return;
+    }
     m_activeName = constant_i("LABELS_ACTIVE", "Active");
     forEachProcessor(items, [&](std::uint32_t number, const RecordItem* first, const RecordItem* end) {
         Processor& processor = m_processors[number];

@@ -266,6 +266,12 @@ std::string FeaturePlugin::plainName_i(const Source& source, const RecordItem& i
     return numberedName(source.pattern, item.indices);
 }
 
+void FeaturePlugin::remark_i(const std::string& text)
+{
+    m_remarks.push_back(text);
+    if (m_metric) m_metric->setPostMetricTextInfo(text);    // else it gets all when it is made
+}
+
 void FeaturePlugin::remarkLeftOut_i(const std::string& what, const Source& source, const RecordItem& item)
 {
     remark_i(what + " is left out, since " + fillPattern(source.pattern, item.indices) + " can't be read");

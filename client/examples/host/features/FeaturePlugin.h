@@ -99,7 +99,7 @@ protected:
     std::string textOf_i(const Source& source, const RecordItem& item) const;
     static std::string plainName_i(const Source& source, const RecordItem& item);
 
-    void remark_i(const std::string& text) { m_remarks.push_back(text); }
+    void remark_i(const std::string& text);
     void remarkLeftOut_i(const std::string& what, const Source& source, const RecordItem& item);
 
     void countForeignSample_i() { ++m_samples; }    // one that was handed in to a metric of someone else

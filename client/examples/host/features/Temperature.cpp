@@ -49,7 +49,9 @@ void Temperature::takeBaseline_i(const Source& source, const Items& items, unsig
     for (const RecordItem& item : items) {
         if (item.isRead) {
             const std::string name = uniqueName_i(source, item);
-            m_zones[{source.tag, item.indices}].name = name;
+            Zone& zone = m_zones[{source.tag, item.indices}];
+            zone.name = name;
+            if (m_handler != nullptr) join_i(zone);
             if (!isTellable(item.toReal() / m_perDegree))
                 remark_i(name + " has no samples while it tells less than 0 degrees, or more than 65535");
         } else {
@@ -75,11 +77,15 @@ std::string Temperature::uniqueName_i(const Source& source, const RecordItem& it
 std::unique_ptr<pwr::Metric> Temperature::makeMetric_i(const pwr::SystemMetadata& system)
 {
     m_handler = pwr::ThermalSampleHandler::get(system, this);
-    for (auto& [place, zone] : m_zones) {
-        zone.entity = pwr::EntityHandle::create(zone.name, pwr::EntityHandle::getSystemHandle());
-        m_handler->addEntity(zone.entity);
-    }
+    for (auto& [place, zone] : m_zones)
+        join_i(zone);
     return nullptr;
+}
+
+void Temperature::join_i(Zone& zone) const
+{
+    zone.entity = pwr::EntityHandle::create(zone.name, pwr::EntityHandle::getSystemHandle());
+    m_handler->addEntity(zone.entity);
 }
 
 void Temperature::takeRound_i(const Source& source, const Items& items, unsigned long long tsc)

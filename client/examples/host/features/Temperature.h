@@ -34,6 +34,7 @@ private:
     };
     using Place = std::pair<std::string, Indices>;    // the tag of the source, and the numbers
 
+    void join_i(Zone& zone) const;
     std::string uniqueName_i(const Source& source, const RecordItem& item);
     void handInDegrees_i(const pwr::EntityHandle* entity, unsigned short degrees, unsigned long long tsc);
     void beginSweep_i(unsigned long long tsc);
