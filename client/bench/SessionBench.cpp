@@ -150,6 +150,7 @@ void BM_SessionProcess(benchmark::State& state)
         session.useSavedRecord(record);
         writers.open(session, record);
         replay.use(replay.choose({&feature}));
+        replay.begin();
         replay.run();
         replay.end();
         if (!reader.isWhole() || feature.getSamples() + 1 != static_cast<std::uint64_t>(state.range(0)))

@@ -1,12 +1,12 @@
 // Input: one saved session. Invariant: the host reads it and makes results of it, or says why not; no read past the
 // end, no leak.
 
-#include "ResultHead.h"
 #include "Session.h"
 #include "features/Features.h"
 #include "sessions/Replay.h"
 #include "sessions/SessionReader.h"
 #include "writers/ConsoleWriter.h"
+#include "writers/ResultHead.h"
 
 #include "record/SystemMetadata.h"
 
@@ -39,9 +39,10 @@ void process(std::istream& in, std::ostream& nowhere)
     if (!stream.open(session.getEnvironment(), record)) std::abort();
     host::Replay replay(record, reader);
     replay.use(replay.choose(plugins));
+    if (replay.begin() != nullptr) std::abort();    // these refuse nothing
     replay.run();
     if (reader.isWhole() != reader.getFault().empty()) std::abort();
-    if (host::resultHead(record, true).empty()) std::abort();
+    if (host::resultHead(record, true).tool.empty()) std::abort();
     replay.end();
 }
 

@@ -22,7 +22,11 @@ Collection::Collection(pwr::SystemMetadata& record, CollectorPlugin& collector,
 {
 }
 
-Collection::~Collection() = default;
+Collection::~Collection()
+{
+    CollectionData ignored;
+    if (m_isRunning) m_collector.stopCollection(ignored);
+}
 
 const Plugin* Collection::begin(const Params& params)
 {
@@ -32,6 +36,7 @@ const Plugin* Collection::begin(const Params& params)
     }
     std::erase_if(m_messages, [this](const pwr::InputMsg* message) { return !m_collector.canCollectMessage(message); });
     if (m_collector.startCollection(m_messages, m_record) != 0) return &m_collector;
+    m_isRunning = true;
     beginSession_i();
     m_collector.getCollectionResults(m_buffer);
     takeBuffer_i();
@@ -117,8 +122,8 @@ void Collection::save_i()
 
 void Collection::stop()
 {
-    if (m_isStopped) return;
-    m_isStopped = true;
+    if (!m_isRunning) return;
+    m_isRunning = false;
     CollectionData summary;
     if (m_collector.stopCollection(summary) == 0) {
         m_record.stopTSC = summary.getStopTimestamp();

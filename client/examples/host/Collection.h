@@ -27,7 +27,7 @@ class StopSignal;
 class Collection : public Delivery {
 public:
     Collection(pwr::SystemMetadata& record, CollectorPlugin& collector, const std::vector<FeaturePlugin*>& plugins);
-    ~Collection() override;
+    ~Collection() override;    // stops the collector where nobody did
 
     // Both before begin(): where all that is collected is saved; and that this is all, no plugin gets a record.
     void saveTo(SessionWriter& session) { m_session = &session; }
@@ -45,8 +45,8 @@ public:
     // One round now. False without one, when the clock has not moved on since the last.
     bool takeRound();
 
-    // Ends the collecting, with the stop times in the record and in the saved session. end() does it too, before the
-    // tables go out.
+    // Ends the collecting that has begun, with the stop times in the record and in the saved session. end() does it
+    // too, before the tables go out.
     void stop();
 
 private:
@@ -59,7 +59,7 @@ private:
     CollectorPlugin& m_collector;
     SessionWriter* m_session = nullptr;    // null: nothing is saved
     bool m_isSavedOnly = false;
-    bool m_isStopped = false;
+    bool m_isRunning = false;    // the collector is
     std::vector<pwr::InputMsg*> m_messages;
     std::vector<std::unique_ptr<const pwr::Metadata>> m_metadata;
     QVBuffer m_buffer;

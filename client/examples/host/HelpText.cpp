@@ -1,7 +1,6 @@
 #include "HelpText.h"
 
 #include "Options.h"
-#include "ResultNames.h"
 #include "features/Features.h"
 
 #include "config/pw_utils.h"
@@ -87,7 +86,7 @@ class Help : public pwr::usage::UsageText {
 public:
     explicit Help(std::size_t width) : m_width(width) {}
 
-    std::string make()
+    std::string make(const std::vector<Option>& results)
     {
         m_text = "quorvane_host [OPTION]...\n\n";
         appendWrapped(m_text,
@@ -97,7 +96,7 @@ public:
         for (const char* category : {"General Options", "Post-processing Options", "Collection Options"})
             append_i(category, s_usageConstants.at(category));
         append_i("Host Options", hostOptions());
-        append_i("Results, for --result", resultOptions());
+        append_i("Results, for --result", results);
         append_i("Features, for --feature; --list tells which of them this machine offers", features_i());
         append_i("Features with options of their own, offered where a plugin brings them", featuresWithOptions_i());
         m_text += '\n';
@@ -150,9 +149,9 @@ std::size_t consoleWidth()
     return ConsoleOption::width();
 }
 
-std::string helpText(std::size_t width)
+std::string helpText(std::size_t width, const std::vector<Option>& results)
 {
-    return Help(width).make();
+    return Help(width).make(results);
 }
 
 }    // namespace host

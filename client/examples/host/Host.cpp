@@ -2,7 +2,10 @@
 
 #include "HelpText.h"
 #include "Options.h"
+#include "ResultNames.h"
 #include "Run.h"
+#include "Session.h"
+#include "modules/Modules.h"
 #include "system/TeeBuffer.h"
 
 #include "usage/UsageText.h"
@@ -46,6 +49,18 @@ void learnProcessor(const Options& options)
     pwr::usage::UsageText::updateTcssIpInfo(chip);
 }
 
+// With the results that modules bring.
+int printHelp(const Options& options, const Console& console)
+{
+    learnProcessor(options);
+    Modules modules([&console](const std::string& line) { fail(console, EXIT_RUN, line); });
+    const Session session(console.errors);
+    const std::string fault = modules.loadAll(options.pluginDir);
+    const std::string text = helpText(consoleWidth(), resultOptions(modules.getWriters()));
+    modules.destroyPlugins();    // while the session stands
+    return fault.empty() ? print(console, text) : fail(console, EXIT_RUN, fault);
+}
+
 std::string usageJson()
 {
     nlohmann::json usage;
@@ -55,10 +70,12 @@ std::string usageJson()
 
 int serve(const Options& options, const std::vector<std::string>& arguments, const Console& console)
 {
-    if (options.help || options.usageJson) learnProcessor(options);
-    if (options.help) return print(console, helpText(consoleWidth()));
+    if (options.help) return printHelp(options, console);
     if (options.version) return print(console, versionText());
-    if (options.usageJson) return print(console, usageJson());
+    if (options.usageJson) {
+        learnProcessor(options);
+        return print(console, usageJson());
+    }
     return Run(options, arguments, console).execute();
 }
 

@@ -155,7 +155,7 @@ const Row ROWS[] = {
 // What has no meaning where a saved session is processed.
 const char* const COLLECTING[] = {
     "--no-post-processing", "--feature", "--max-detail", "--interval", "--program", "--startdelay", "--time",
-    "--program-delay",      "--config",  "--sysroot",    "--list",     "--trace",   "--explain",    "--plugin-dir"};
+    "--program-delay",      "--config",  "--sysroot",    "--list",     "--trace",   "--explain"};
 
 // The tool's description: which abbreviation stands for which option.
 class Described : public pwr::usage::UsageText {

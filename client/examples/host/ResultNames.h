@@ -1,5 +1,7 @@
 #pragma once
 
+#include "modules/Modules.h"
+
 #include "usage/Option.h"
 
 #include <string>
@@ -7,10 +9,12 @@
 
 namespace host {
 
-// The results that --result names, each with what it is.
-std::vector<pwr::usage::Option> resultOptions();
+// What --result can name: the host's own results and the writers that modules brought.
 
-// The first of the names that stands for no result; empty: all do.
-std::string findUnknownResult(const std::vector<std::string>& names);
+// Each with what it is.
+std::vector<pwr::usage::Option> resultOptions(const std::vector<ModuleWriter>& brought);
+
+// What is wrong with the first of the names that stands for no result; empty: all stand for one.
+std::string findResultFault(const std::vector<std::string>& names, const std::vector<ModuleWriter>& brought);
 
 }    // namespace host

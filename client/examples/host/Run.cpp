@@ -2,18 +2,18 @@
 
 #include "Collection.h"
 #include "ConfigFiles.h"
-#include "Explain.h"
 #include "Platforms.h"
 #include "ProgramRecord.h"
 #include "Progress.h"
-#include "ResultHead.h"
 #include "ResultNames.h"
+#include "explain/Explain.h"
 #include "modules/ModuleFeature.h"
 #include "sessions/Replay.h"
 #include "system/ProgramFolder.h"
 #include "system/System.h"
 #include "writers/ConsoleWriter.h"
 #include "writers/PointCounter.h"
+#include "writers/ResultHead.h"
 #include "writers/Results.h"
 
 #include "config/OutputConfig.h"
@@ -25,6 +25,7 @@
 #include <cstddef>
 #include <deque>
 #include <filesystem>
+#include <limits>
 #include <ostream>
 #include <system_error>
 
@@ -53,21 +54,16 @@ int Run::execute()
         return fail_i(EXIT_RUN,
                       "there is no folder " + m_options.sysroot + ": give --sysroot one that holds sys and proc");
     }
-    const std::string unknown = findUnknownResult(m_options.results);
-    if (!unknown.empty()) return fail_i(EXIT_USAGE, "there is no result '" + unknown + "': --help tells the names");
     m_session = std::make_unique<Session>(m_console.errors);
-    if (!m_options.input.empty()) return process_i();
-    m_machine = openMachine(m_options.sysroot);
-    m_collector = m_machine->makeCollector(m_session->getClock());
-    enroll(*m_collector, m_record);
     if (!loadModules_i()) return EXIT_RUN;
+    const std::string fault = findResultFault(m_options.results, m_modules.getWriters());
+    if (!fault.empty()) return fail_i(EXIT_USAGE, fault);
+    if (!m_options.input.empty()) return process_i();
+    makeCollectors_i();
     describe_i();
-    if (m_options.printFms) {
-        m_console.out << m_record.fms << std::endl;
-        return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the processor could not be printed");
-    }
+    if (m_options.printFms) return printFms_i();
     if (!loadCollectorConfig_i()) return EXIT_RUN;
-    openFeatures_i();
+    if (!openFeatures_i()) return EXIT_RUN;
     if (m_options.list) return list_i();
     if (!m_options.explain.empty())
         return explainFeatures(m_options.explain, m_features, m_record, m_params, m_console);
@@ -75,25 +71,37 @@ int Run::execute()
     return status == EXIT_GOOD ? collect_i() : status;
 }
 
-// Those beside the program, which may be none, and those of the folder that was asked for.
 bool Run::loadModules_i()
 {
     m_session->getEnvironment().setResultFilePrefix(m_options.output);
-    const std::string program = programFolder();
-    if (!program.empty()) m_modules.load(program + "plugins");    // never from wherever the user happens to stand
-    if (!m_options.pluginDir.empty() && !m_modules.load(m_options.pluginDir)) {
-        fail_i(EXIT_RUN, "there is no folder " + m_options.pluginDir + ": give --plugin-dir one that holds modules");
-        return false;
-    }
+    const std::string fault = m_modules.loadAll(m_options.pluginDir);
+    if (!fault.empty()) fail_i(EXIT_RUN, fault);
+    return fault.empty();
+}
+
+void Run::makeCollectors_i()
+{
+    m_machine = openMachine(m_options.sysroot);
+    m_collector = m_machine->makeCollector(m_session->getClock());
+    enroll(*m_collector, m_record);
     for (CollectorPlugin* collector : m_modules.getCollectors())
         enroll(*collector, m_record);
     m_collectors = std::make_unique<CollectorTeam>(*m_collector, m_modules.getCollectors(), m_record);
-    return true;
 }
 
+// The collectors of modules stand idle.
 int Run::process_i()
 {
-    return openSession_i() && chooseSaved_i() ? makeResults_i() : EXIT_RUN;
+    if (!openSession_i()) return EXIT_RUN;
+    if (m_options.printFms) return printFms_i();
+    return chooseSaved_i() ? makeResults_i() : EXIT_RUN;
+}
+
+// Of the machine that the record is about.
+int Run::printFms_i() const
+{
+    m_console.out << m_record.fms << std::endl;
+    return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the processor could not be printed");
 }
 
 bool Run::openSession_i()
@@ -115,6 +123,7 @@ bool Run::openSession_i()
 bool Run::chooseSaved_i()
 {
     m_features = makeFeatures("");
+    addModuleFeatures(m_features, m_modules, "");
     std::vector<FeaturePlugin*> plugins;
     for (const Feature& feature : m_features)
         plugins.push_back(&feature.getPlugin());
@@ -123,9 +132,19 @@ bool Run::chooseSaved_i()
     m_replay = replay.get();
     m_delivery = std::move(replay);
     if (!m_chosen.empty()) return true;
-    fail_i(EXIT_RUN, m_options.input + " holds nothing that can be processed" +
-                         (m_reader->getFault().empty() ? "" : ": it " + m_reader->getFault()));
+    const std::string fault = m_reader->getFault().empty() ? "" : ": it " + m_reader->getFault();
+    fail_i(EXIT_RUN, m_options.input + " holds nothing that can be processed" + fault + missingPlugins_i());
     return false;
+}
+
+// Behind what was left out for lack of them.
+std::string Run::missingPlugins_i() const
+{
+    std::string uuids;
+    for (const std::string& uuid : m_replay->getMissing())
+        uuids += (uuids.empty() ? "" : ", ") + uuid;
+    if (uuids.empty()) return {};
+    return ": these plugins are not here: " + uuids + "; give --plugin-dir the folder of their modules";
 }
 
 // A machine without processors may still be listed.
@@ -165,7 +184,8 @@ bool Run::listConfigFiles_i(std::vector<std::string>& files) const
     return false;
 }
 
-void Run::openFeatures_i()
+// Driver records tell the number of a plugin in a byte.
+bool Run::openFeatures_i()
 {
     const std::string platforms = choosePlatforms(m_record);
     m_params = {{SourceRequirement::PLATFORMS, platforms}};
@@ -173,6 +193,9 @@ void Run::openFeatures_i()
     addModuleFeatures(m_features, m_modules, platforms);
     for (const Feature& feature : m_features)
         enroll(feature.getPlugin(), m_record);
+    if (m_features.back().getPlugin().getSID() <= std::numeric_limits<std::uint8_t>::max()) return true;
+    fail_i(EXIT_RUN, "there are more than 256 plugins: take some of the modules away");
+    return false;
 }
 
 int Run::list_i()
@@ -266,7 +289,7 @@ int Run::makeResults_i()
 {
     if (!loadOutputConfig_i()) return EXIT_RUN;
     orderFeatures_i();
-    Results results;
+    Results results(m_replay != nullptr);
     if (!m_options.noPostProcessing && !openResults_i(results)) return EXIT_RUN;
     if (!m_trace.begin()) return EXIT_RUN;
     const int status = measure_i(results);
@@ -274,14 +297,33 @@ int Run::makeResults_i()
 }
 
 // Over-time data need more than summaries.
-bool Run::openResults_i(Results& results) const
+bool Run::openResults_i(Results& results)
 {
     std::vector<std::string> names = m_options.results;
     if (names.empty()) names.emplace_back("sum");
     if (m_record.maxDetail != 0) std::replace(names.begin(), names.end(), std::string("sum"), std::string("csv"));
-    if (results.add(names, m_options.output) && results.open()) return true;
+    results.add(names, m_options.output);
+    if (results.open()) return openModuleWriters_i();
     fail_i(EXIT_RUN, results.getError() + ": give --output a prefix that can be written");
     return false;
+}
+
+// Those that are named. Where nothing is named, all; one that fails then is left out.
+bool Run::openModuleWriters_i()
+{
+    const std::vector<std::string>& names = m_options.results;
+    for (const ModuleWriter& brought : m_modules.getWriters()) {
+        const bool isNamed = std::find(names.begin(), names.end(), brought.name) != names.end();
+        if (!isNamed && !names.empty()) continue;
+        if (brought.writer->openOutput() == 0) {
+            m_moduleWriters.push_back(brought);
+            continue;
+        }
+        const std::string fault = "the output of the result '" + brought.name + "' could not be opened: ";
+        say_i(fault + (isNamed ? "give --output a prefix that can be written" : "it is left out"));
+        if (isNamed) return false;
+    }
+    return true;
 }
 
 bool Run::loadOutputConfig_i()
@@ -323,33 +365,24 @@ int Run::measure_i(const Results& results)
         stream.addWriter(*writer);
         writers.push_back(writer.get());
     }
+    for (const ModuleWriter& brought : m_moduleWriters) {
+        stream.addWriter(*brought.writer);
+        writers.push_back(brought.writer);
+    }
     for (WriterPlugin* writer : writers) {
         if (m_replay == nullptr) enroll(*writer, m_record);
     }
-    if (!m_options.noPostProcessing) addModuleWriters_i(stream);
     if (!stream.open(m_session->getEnvironment(), m_record))
         return fail_i(EXIT_RUN, "the writers could not be reached");
 
     const int status = m_replay != nullptr ? replay_i() : record_i(stream);
     if (status != EXIT_GOOD) return status;
     if (m_options.noPostProcessing) return reportSaved_i();
-    printHead_i(resultHead(m_record, m_replay != nullptr));
+    printHead_i();
     const std::vector<const FeaturePlugin*> failed = m_delivery->end();
     m_record.samplesDropped = m_delivery->getDroppedPoints(counter);
     stream.close();
     return report_i(failed, counter, results);
-}
-
-void Run::addModuleWriters_i(OutputStream& stream)
-{
-    for (WriterPlugin* writer : m_modules.getWriters()) {
-        if (m_replay == nullptr) enroll(*writer, m_record);
-        if (writer->openOutput() == 0) {
-            stream.addWriter(*writer);
-        } else {
-            say_i("the writer " + writer->getUUID() + " is left out: it could not open its output");
-        }
-    }
 }
 
 int Run::record_i(OutputStream& stream)
@@ -408,24 +441,21 @@ bool Run::begin_i(Collection& collection) const
 int Run::replay_i()
 {
     m_replay->use(m_chosen);
+    if (const Plugin* refuser = m_replay->begin())
+        return fail_i(EXIT_RUN, "the processing could not begin: " + refuser->getUUID() + " refused the session");
     m_replay->run();
     if (!m_reader->isWhole()) {
         say_i(m_options.input + " " + m_reader->getFault() + ": " + std::to_string(m_reader->getRecords()) +
               " records were read up to there");
     }
-    std::string missing;
-    for (const std::string& uuid : m_replay->getMissing())
-        missing += (missing.empty() ? ", those of " : ", ") + uuid;
-    if (m_replay->getLeftOutRecords() > 0) {
-        say_i(std::to_string(m_replay->getLeftOutRecords()) +
-              " records are left out, since there is no plugin for them here" + missing);
-    }
+    if (m_replay->getLeftOutRecords() > 0)
+        say_i(std::to_string(m_replay->getLeftOutRecords()) + " records are left out" + missingPlugins_i());
     return EXIT_GOOD;
 }
 
-void Run::printHead_i(const std::vector<std::string>& head) const
+void Run::printHead_i() const
 {
-    for (const std::string& line : head)
+    for (const std::string& line : resultHead(m_record, m_replay != nullptr).lines())
         m_console.out << line << '\n';
 }
 
@@ -438,34 +468,33 @@ int Run::reportSaved_i() const
 
 int Run::report_i(const std::vector<const FeaturePlugin*>& failed, const PointCounter& counter, const Results& results)
 {
-    const std::string fault = finishFiles_i(results);
-    std::string files;
-    for (const std::string& file : results.getFiles())
-        files += (files.empty() ? "" : ", ") + file;
-    if (m_replay == nullptr) files += ", " + m_saved.getPath();
     m_console.out << '\n'
                   << m_delivery->getSamples() << " samples, " << m_delivery->getDroppedPoints(counter)
-                  << " dropped points, files: " << files << std::endl;
+                  << " dropped points, files: " << listFiles_i(results) << std::endl;
 
     if (!remarkOnFailures_i(failed)) return EXIT_RUN;
     if (m_delivery->getFailedRecords() > 0) {
         return fail_i(EXIT_RUN, std::to_string(m_delivery->getFailedRecords()) + " records could not be processed");
     }
-    if (!fault.empty()) return fail_i(EXIT_RUN, fault);
+    if (!results.getError().empty()) return fail_i(EXIT_RUN, results.getError() + ": the files are not complete");
+    if (!m_saved.getError().empty()) return fail_i(EXIT_RUN, m_saved.getError() + ": the session is not complete");
     return m_console.out ? EXIT_GOOD : fail_i(EXIT_RUN, "the tables could not be printed");
 }
 
-// The first failure; empty: all are complete.
-std::string Run::finishFiles_i(const Results& results) const
+// A module's writer says how its file is named, but not whether it wrote one.
+std::string Run::listFiles_i(const Results& results) const
 {
-    std::string fault;
-    const std::vector<std::string> head = resultHead(m_record, m_replay != nullptr);
-    for (const std::string& file : results.getFiles()) {
-        if (fault.empty() && file.ends_with(".csv")) fault = putHeadInFront(file, head);
+    std::vector<std::string> files = results.getFiles();
+    std::error_code ignored;
+    for (const ModuleWriter& brought : m_moduleWriters) {
+        const std::string file = m_options.output + brought.fileSuffix;
+        if (!brought.fileSuffix.empty() && std::filesystem::is_regular_file(file, ignored)) files.push_back(file);
     }
-    if (!results.getError().empty()) return results.getError() + ": the files are not complete";
-    if (!m_saved.getError().empty()) return m_saved.getError() + ": the session is not complete";
-    return fault;
+    if (m_replay == nullptr) files.push_back(m_saved.getPath());
+    std::string text;
+    for (const std::string& file : files)
+        text += (text.empty() ? "" : ", ") + file;
+    return text;
 }
 
 // A feature whose sources stood still is nothing bad; it is when all did.

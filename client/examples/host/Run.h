@@ -39,13 +39,16 @@ public:
 
 private:
     bool loadModules_i();
+    void makeCollectors_i();
     int process_i();
     bool openSession_i();
     bool chooseSaved_i();
+    int printFms_i() const;
+    std::string missingPlugins_i() const;
     void describe_i();
     bool loadCollectorConfig_i();
     bool listConfigFiles_i(std::vector<std::string>& files) const;
-    void openFeatures_i();
+    bool openFeatures_i();
     int list_i();
     void takeRemarks_i();
     int chooseFeatures_i();
@@ -54,19 +57,19 @@ private:
     int collect_i();
     int makeResults_i();
     bool loadOutputConfig_i();
-    void addModuleWriters_i(OutputStream& stream);
     void orderFeatures_i();
-    bool openResults_i(Results& results) const;
+    bool openResults_i(Results& results);
+    bool openModuleWriters_i();
     int measure_i(const Results& results);
     int record_i(OutputStream& stream);
     bool startProgram_i();
     bool waitFor_i(double seconds) const;
     bool begin_i(Collection& collection) const;
     int replay_i();
-    void printHead_i(const std::vector<std::string>& head) const;
+    void printHead_i() const;
     int reportSaved_i() const;
     int report_i(const std::vector<const FeaturePlugin*>& failed, const PointCounter& counter, const Results& results);
-    std::string finishFiles_i(const Results& results) const;
+    std::string listFiles_i(const Results& results) const;
     bool remarkOnFailures_i(const std::vector<const FeaturePlugin*>& failed) const;
     int fail_i(int status, const std::string& text) const;
     void say_i(const std::string& text) const;
@@ -88,6 +91,7 @@ private:
     Plugin::Params m_params;                        // for the plugins
     std::vector<Feature> m_features;
     std::vector<FeaturePlugin*> m_chosen;
+    std::vector<ModuleWriter> m_moduleWriters;    // those that take part
     TraceRun m_trace;
     std::ifstream m_input;    // a saved session
     std::unique_ptr<SessionReader> m_reader;

@@ -27,11 +27,17 @@ public:
         addCapability(new pwr::MetricPluginCapability(FEATURE, "A wave", PREFIX, METRIC_ID));
     }
 
-    int initialize(const pwr::SystemMetadata&) override { return 0; }
+    // In front of a collection as of the processing of a saved one, which has no initializeCollection().
+    int initialize(const pwr::SystemMetadata& system) override
+    {
+        m_metric = std::make_unique<pwr::Metric>("Wave", pwr::Metric::MetricType::SampledValue, "LEVEL", PREFIX, system,
+                                                 nullptr);
+        return 0;
+    }
     int finalize(const pwr::SystemMetadata&) override { return 0; }
 
     int initializeCollection(Messages& messages, MetadataList& metadata, const std::string&, const Params& params,
-                             const pwr::SystemMetadata& system) override
+                             const pwr::SystemMetadata&) override
     {
         std::string platforms;
         for (const auto& [name, value] : params) {
@@ -48,8 +54,6 @@ public:
             record->setCapName(FEATURE);
             metadata.push_back(record);
         }
-        m_metric = std::make_unique<pwr::Metric>("Wave", pwr::Metric::MetricType::SampledValue, "LEVEL", PREFIX, system,
-                                                 nullptr);
         return found.empty() ? -1 : 0;
     }
 

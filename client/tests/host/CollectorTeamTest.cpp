@@ -1,3 +1,4 @@
+#include "Collection.h"
 #include "modules/CollectorTeam.h"
 
 #include "records/QVBuffer.h"
@@ -21,11 +22,13 @@ public:
     {
         started = messages;
         system.startTSC = m_tick;
+        system.qvaClockFreqMHz = static_cast<float>(m_tick);
         return result;
     }
     int stopCollection(CollectionData& summary) override
     {
         summary = {m_tick, m_tick + 1, 0, 0, 0, 0, "", ""};
+        ++stops;
         return 0;
     }
     int continuousCollectionTick() override
@@ -44,6 +47,7 @@ public:
 
     std::vector<pwr::InputMsg*> started;
     int ticks = 0;
+    int stops = 0;
 
 private:
     unsigned long long m_tick;
@@ -98,6 +102,7 @@ TEST_F(CollectorTeamTest, TheHostsCollectorGivesStartAndBeat)
 {
     EXPECT_EQ(0, m_team.startCollection({}, m_system));
     EXPECT_EQ(100u, m_system.startTSC);
+    EXPECT_EQ(100.0F, m_system.qvaClockFreqMHz);
     m_second.result = 1;    // knows no rounds
     EXPECT_EQ(0, m_team.continuousCollectionTick());
     QVBuffer buffer;
@@ -113,11 +118,17 @@ TEST_F(CollectorTeamTest, TheHostsCollectorGivesStartAndBeat)
     EXPECT_EQ((std::vector<unsigned long long>{100, 200, 300}), ticksOf(buffer));
 }
 
-TEST_F(CollectorTeamTest, WhoRefusesItsMessagesIsNamed)
+TEST_F(CollectorTeamTest, WhatWasStartedIsStopped)
 {
-    m_third.result = 5;
-    EXPECT_EQ(1, m_team.startCollection({}, m_system));
-    EXPECT_EQ("ERROR: the collector third refused its messages\n", m_log.errors());
+    {
+        host::Collection unfinished(m_system, m_team, {});
+        EXPECT_EQ(nullptr, unfinished.begin({}));
+    }
+    EXPECT_EQ(3, m_own.stops + m_second.stops + m_third.stops);
+    m_second.result = 5;    // refuses its messages
+    EXPECT_EQ(&m_team, host::Collection(m_system, m_team, {}).begin({}));
+    EXPECT_EQ("ERROR: the collector second refused its messages\n", m_log.errors());
+    EXPECT_EQ(4, m_own.stops + m_second.stops + m_third.stops);
 }
 
 }    // namespace

@@ -59,8 +59,11 @@ document.getElementById('report').onload = event => {
   const links = [...page.querySelectorAll('nav a')].map(link => link.textContent);
   const outside = [...page.querySelectorAll('[src],link[href]')].length;
   const isWide = page.documentElement.scrollWidth > page.documentElement.clientWidth;
-  document.getElementById('found').textContent =
-    'FOUND' + encodeURIComponent(JSON.stringify({title: page.title, tables, charts, links, outside, isWide})) + 'END';
+  event.target.width = 420;
+  const isWideOnPhones = page.documentElement.scrollWidth > page.documentElement.clientWidth;
+  const head = page.querySelector('.head').textContent;
+  document.getElementById('found').textContent = 'FOUND' + encodeURIComponent(
+    JSON.stringify({title: page.title, head, tables, charts, links, outside, isWide, isWideOnPhones})) + 'END';
 };
 </script></body>)html";
 
@@ -127,7 +130,7 @@ void expectGood(const json& found)
         EXPECT_TRUE(chart.at("isShown") && chart.at("isInside") && chart.at("readout") && chart.at("shapes") > 0)
             << chart;
     EXPECT_EQ(0, found.at("outside"));
-    EXPECT_FALSE(found.at("isWide"));
+    EXPECT_FALSE(found.at("isWide") || found.at("isWideOnPhones"));
 }
 
 std::vector<std::string> titlesOf(const json& items)
@@ -138,6 +141,13 @@ std::vector<std::string> titlesOf(const json& items)
     return titles;
 }
 
+std::string withoutTitles(std::string head)
+{
+    for (const std::string title : {"Tool", "Collection", "Hardware"})
+        head.erase(head.find(title), title.size());
+    return head;
+}
+
 TEST_F(ReportTest, EveryTableAndChartIsShownAndSorts)
 {
     ResultRun run(test::freshPath("report"), {"html", "jsonl"});
@@ -146,6 +156,10 @@ TEST_F(ReportTest, EveryTableAndChartIsShownAndSorts)
     const json found = inspect(run);
     expectGood(found);
     EXPECT_EQ("Measurement of bench-7", found.at("title"));
+    std::string head;
+    for (const std::string& line : host::resultHead(run.record(), false).lines())
+        head += line + "\n";
+    EXPECT_EQ(head, withoutTitles(found.at("head")));
     EXPECT_EQ(json({"Core temperature", "Core states", "Package energy", "Link state", "Wake-ups"}), found.at("links"));
     const std::vector<std::string> charts{"Temperature over time",
                                           "By average",
@@ -203,6 +217,7 @@ TEST_F(ReportTest, HostileTextsAreShownAndDoNothing)
     ResultRun run(test::freshPath("report"), {"html"});
     run.record().hostName = "<script>document.title='owned'</script>";
     const auto& texts = test::hostileTexts();
+    run.record().commandLine = texts;
     for (const std::string& text : texts)
         test::feedHostile(run, text);
     run.close();

@@ -64,7 +64,7 @@ ResultRun::ResultRun(const std::string& prefix, const Names& formats) : m_prefix
     m_record.platformName = "Evaluation board";
     m_record.osName = "Linux";
     m_record.osVersion = "6.1.0";
-    EXPECT_TRUE(m_results.add(formats, prefix));
+    m_results.add(formats, prefix);
     EXPECT_TRUE(m_results.open()) << m_results.getError();
     for (const auto& writer : m_results.getWriters())
         m_stream.addWriter(*writer);
@@ -74,9 +74,8 @@ ResultRun::ResultRun(const std::string& prefix, const Names& formats) : m_prefix
 ResultRun::~ResultRun()
 {
     m_stream.close();
-    for (const std::string& path : m_results.getFiles()) {
-        if (!m_keepsFiles) std::filesystem::remove(path);
-    }
+    for (const std::string& path : m_results.getFiles())
+        std::filesystem::remove(path);
 }
 
 void ResultRun::push(pwr::WriterMessage& message) const

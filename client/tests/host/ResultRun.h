@@ -33,11 +33,9 @@ public:
     host::Results& results() { return m_results; }
     const std::string& prefix() const { return m_prefix; }
     std::string log() const { return m_log.str(); }
-    void keepFiles() { m_keepsFiles = true; }
 
 private:
     const std::string m_prefix;
-    bool m_keepsFiles = false;
     std::ostringstream m_log;
     host::Session m_session{m_log};
     pwr::SystemMetadata m_record;

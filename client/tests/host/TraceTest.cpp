@@ -1,6 +1,6 @@
-#include "Host.h"
+#include "HostFixture.h"
 #include "Session.h"
-#include "TreeCopy.h"
+#include "system/TraceSlot.h"
 #include "tracing/TraceEvents.h"
 #include "tracing/TracePrinter.h"
 #include "tracing/TraceRun.h"
@@ -9,12 +9,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
+#include <optional>
 #include <regex>
-#include <sstream>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -51,20 +47,9 @@ public:
     std::vector<long long> times;
 };
 
-class TraceTest : public testing::Test {
+class TraceTest : public test::HostFixture {
 protected:
-    ~TraceTest() override { fs::remove_all(m_folder); }
-
-    std::string path(const std::string& name) const { return m_folder + "/" + name; }
-
-    int measure(const std::string& trace)
-    {
-        out.str("");
-        errors.str("");
-        return host::runHost({"--sysroot", m_tree.root(), "--feature", "temperature", "--time", "0.15", "--interval",
-                              "40", "--trace", trace},
-                             {out, errors});
-    }
+    int trace(const std::string& file) { return measure(m_tree, {"--feature", "temperature", "--trace", file}); }
 
     // The printed part behind the title.
     std::string printed(const std::string& file) const
@@ -74,12 +59,8 @@ protected:
         return at != std::string::npos ? out.str().substr(at + title.size()) : std::string();
     }
 
-    std::ostringstream out;
-    std::ostringstream errors;
-
 private:
     const test::TreeCopy m_tree{"four-cores"};
-    const std::string m_folder = test::freshPath("trace");
 };
 
 // Each printed line has its place in time, and the parts of the run follow one another.
@@ -110,8 +91,8 @@ void checkLines(const std::string& text, std::size_t rounds)
 TEST_F(TraceTest, ARunIsTracedMergedAndPrinted)
 {
     // The second run replaces the files and the events of the first.
-    for (int run = 0; run < 2; ++run) {
-        ASSERT_EQ(0, measure(path("deep/run.etl"))) << errors.str();
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        ASSERT_EQ(0, trace(path("deep/run.etl"))) << errors.str();
         EXPECT_NE(std::string::npos, out.str().find("Temperature Summary"));
         if (MAY_LACK_TRACING && errors.str() == NO_TRACING) {    // told, and that is all
             EXPECT_EQ(std::string::npos, out.str().find("Trace"));
@@ -136,7 +117,7 @@ TEST_F(TraceTest, WhatCanNotBeTracedIsOneLineAndAStatus)
 {
     fs::create_directories(path("folder.etl"));
     fs::create_directories(path("taken_Rounds.etl"));
-    std::ofstream(path("file")) << "no folder";
+    write("file", "no folder");
     const std::string name = ": give a file that ends in .etl, which stands nowhere else in its path\n";
     const std::string place = ": give --trace a file in a folder that can be written\n";
     const struct {
@@ -156,10 +137,9 @@ TEST_F(TraceTest, WhatCanNotBeTracedIsOneLineAndAStatus)
         {path("file/run.etl"), 1, path("file/run_Capture.etl") + " can't be written", place},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(c.status, measure(c.trace)) << c.begin;
+        EXPECT_EQ(c.status, trace(c.trace)) << c.begin;
         EXPECT_TRUE(errors.str().starts_with("quorvane_host: " + c.begin)) << errors.str();
-        EXPECT_TRUE(errors.str().ends_with(c.end)) << errors.str();
-        EXPECT_EQ(errors.str().size() - 1, errors.str().find('\n')) << errors.str();
+        EXPECT_TRUE(errors.str().ends_with(c.end) && hasOneComplaint()) << errors.str();
         EXPECT_EQ("", out.str());
     }
     EXPECT_FALSE(fs::exists(path("taken_Phases.etl")));
@@ -168,7 +148,7 @@ TEST_F(TraceTest, WhatCanNotBeTracedIsOneLineAndAStatus)
 TEST_F(TraceTest, ASystemThatRefusesEndsTheRun)
 {
     EtwSession::setUserBuffer(0xFFFFFFFF, 2, 400);    // KB
-    const int status = measure(path("run.etl"));
+    const int status = trace(path("run.etl"));
     EtwSession::setUserBuffer(1024, 2, 400);
     if (MAY_LACK_TRACING && errors.str() == NO_TRACING) GTEST_SKIP() << errors.str();
     EXPECT_EQ(1, status);
@@ -176,25 +156,36 @@ TEST_F(TraceTest, ASystemThatRefusesEndsTheRun)
     EXPECT_TRUE(errors.str().starts_with("quorvane_host: the trace could not begin: Cannot start the trace " +
                                          path("run_Phases.etl") + ". "))
         << errors.str();
-    EXPECT_EQ(errors.str().size() - 1, errors.str().find('\n')) << errors.str();
-    EXPECT_EQ(0, measure(path("run.etl"))) << errors.str();    // nothing is left over
+    EXPECT_TRUE(hasOneComplaint()) << errors.str();
+    EXPECT_EQ(0, trace(path("run.etl"))) << errors.str();    // nothing is left over
 }
 
 TEST_F(TraceTest, FilesThatCanNotBeMergedArePrintedOneByOne)
 {
     host::Session environment(errors);
-    host::TraceRun trace(path("run.etl"), out, [this](const std::string& line) { errors << line << '\n'; });
-    ASSERT_TRUE(trace.begin());
+    host::TraceRun traced(path("run.etl"), out, [this](const std::string& line) { errors << line << '\n'; });
+    ASSERT_TRUE(traced.begin());
     if (MAY_LACK_TRACING && !errors.str().empty()) GTEST_SKIP() << errors.str();
     fs::create_directories(path("run_Capture.etl"));
-    EXPECT_FALSE(trace.end());
+    EXPECT_FALSE(traced.end());
     EXPECT_TRUE(errors.str().starts_with("the trace files are not merged: Trace merge experienced an unknown error"))
         << errors.str();
-    EXPECT_EQ(errors.str().size() - 1, errors.str().find('\n')) << errors.str();
+    EXPECT_TRUE(hasOneComplaint()) << errors.str();
     EXPECT_EQ("\nTrace " + path("run_Phases.etl") + ":\n       0.000 ms  start     the trace runs\n\nTrace " +
                   path("run_Rounds.etl") + ":\n",
               out.str());
-    EXPECT_TRUE(trace.end());    // once only
+    EXPECT_TRUE(traced.end());    // once only
+}
+
+// On Linux sessions live in the process, so that all have the same names.
+TEST(TraceSlotTest, HostsAtTheSameTimeHaveNumbersOfTheirOwn)
+{
+    std::optional<host::TraceSlot> first(std::in_place);
+    const host::TraceSlot second;
+    EXPECT_EQ(MAY_LACK_TRACING, first->getNumber() != second.getNumber());
+    const unsigned int number = first->getNumber();
+    first.reset();
+    EXPECT_EQ(number, host::TraceSlot().getNumber());
 }
 
 // An event as a replay hands it out, its payload of the given bytes.

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace test {
 
@@ -54,6 +55,23 @@ std::string contentOf(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::string bodyOf(const std::string& path)
+{
+    const std::string text = contentOf(path);
+    const std::size_t end = text.find("\"\n\n");
+    return text.starts_with("\"-----") && end != std::string::npos ? text.substr(end + 3) : "";
+}
+
+std::string withoutLinesOf(const std::string& text, const std::string& head)
+{
+    std::istringstream lines(text);
+    std::string rest;
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.starts_with(head)) rest += line + '\n';
+    }
+    return rest;
 }
 
 }    // namespace test

@@ -35,4 +35,10 @@ std::string freshPath(const std::string& name);
 // All of a file; empty when it can't be read.
 std::string contentOf(const std::string& path);
 
+// The same of comma-separated values without the head of the results; empty when there is none.
+std::string bodyOf(const std::string& path);
+
+// Without the lines that begin so.
+std::string withoutLinesOf(const std::string& text, const std::string& head);
+
 }    // namespace test

@@ -78,6 +78,7 @@ TEST(WriterTextTest, TicksBecomeTimeOfAnyClock)
                  {2000, 3, 2},    // 1.5
                  {2400, 24'000'000'000'000'000ULL, 10'000'000'000'000'000ULL},
                  {0.032768F, 32'768, 1'000'000'000},
+                 {0.000002F, 40'000'000'000, std::numeric_limits<std::uint64_t>::max()},    // longer than 584 years
                  {std::numeric_limits<float>::infinity(), 7, 7}};
     for (const auto& c : cases) {
         pwr::SystemMetadata record;

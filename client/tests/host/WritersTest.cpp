@@ -88,7 +88,7 @@ protected:
     std::string file(const std::string& name)
     {
         stream.close();
-        return test::contentOf(prefix + "_" + name + ".csv");
+        return test::bodyOf(prefix + "_" + name + ".csv");
     }
 
     const std::string prefix = test::freshPath("writers");
@@ -232,7 +232,7 @@ TEST_F(WritersTest, TimelinesNameHandlesAndTellProcessesApart)
     EXPECT_EQ("Time (s),Time (UTC),Entity,Descriptor,What,Duration (s)\n"
               "0.000000001,,All,,\"shell, old (77)\",0.000000001\n"
               "0.000000002,,All,,All,0.000000001\n",
-              test::contentOf(prefix + "_events.csv"));
+              test::bodyOf(prefix + "_events.csv"));
 }
 
 TEST_F(WritersTest, ATimelineThatCanNotBeOpenedIsAnError)

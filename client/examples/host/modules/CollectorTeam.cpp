@@ -8,10 +8,10 @@
 #include "record/SystemMetadata.h"
 #include "runtime/Log.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <cstdint>
+#include <iterator>
 #include <tuple>
-#include <utility>
 
 namespace host {
 
@@ -20,12 +20,10 @@ namespace {
 // Constants make no records: they need no collector.
 const std::string CONSTANT = "CONSTANT";
 
-void append(QVBuffer& buffer, const QVBuffer& more)
+// What only the host's collector says of a run.
+auto timesOf(pwr::SystemMetadata& system)
 {
-    if (more.isEmpty()) return;
-    std::vector<std::uint8_t> bytes = buffer.getBytes();
-    bytes.insert(bytes.end(), more.getBytes().begin(), more.getBytes().end());
-    buffer = QVBuffer(bytes);
+    return std::tie(system.startTSC, system.startTimeval, system.stopTSC, system.stopTimeval, system.qvaClockFreqMHz);
 }
 
 }    // namespace
@@ -40,22 +38,28 @@ CollectorTeam::CollectorTeam(CollectorPlugin& own, const std::vector<CollectorPl
 
 int CollectorTeam::startCollection(const std::vector<pwr::InputMsg*>& messages, pwr::SystemMetadata& system)
 {
-    for (CollectorPlugin* member : m_members) {
+    for (std::size_t i = 0; i < m_members.size(); ++i) {
         std::vector<pwr::InputMsg*> own;
-        for (pwr::InputMsg* message : messages) {
-            if (message != nullptr && memberFor_i(*message) == member) own.push_back(message);
-        }
-        const auto start = std::make_pair(system.startTSC, system.startTimeval);
-        const auto stop = std::make_pair(system.stopTSC, system.stopTimeval);
-        if (member->startCollection(own, system) != 0) {
-            QV_LOG_ERROR("ERROR: the collector %s refused its messages\n", member->getUUID().c_str());
-            return 1;
-        }
-        if (member == m_members.front()) continue;
-        std::tie(system.startTSC, system.startTimeval) = start;
-        std::tie(system.stopTSC, system.stopTimeval) = stop;
+        std::copy_if(messages.begin(), messages.end(), std::back_inserter(own), [&](const pwr::InputMsg* message) {
+            return message != nullptr && memberFor_i(*message) == m_members[i];
+        });
+        const std::tuple<std::uint64_t, std::uint64_t, std::uint64_t, std::uint64_t, float> times = timesOf(system);
+        const int result = m_members[i]->startCollection(own, system);
+        if (i != 0) timesOf(system) = times;
+        if (result == 0) continue;
+        QV_LOG_ERROR("ERROR: the collector %s refused its messages\n", m_members[i]->getUUID().c_str());
+        stopFirst_i(i);
+        return 1;
     }
     return 0;
+}
+
+// Those in front of the one that refused.
+void CollectorTeam::stopFirst_i(std::size_t count)
+{
+    CollectionData ignored;
+    for (std::size_t i = 0; i < count; ++i)
+        m_members[i]->stopCollection(ignored);
 }
 
 // All are stopped; the summary and the result are of the host's collector.
@@ -99,7 +103,7 @@ bool CollectorTeam::getContinuousResult(QVBuffer& buffer, CollectionData& summar
     for (std::size_t i = 1; i < m_members.size(); ++i) {
         QVBuffer more;
         CollectionData ignored;
-        if (m_members[i]->getContinuousResult(more, ignored)) append(buffer, more);
+        if (m_members[i]->getContinuousResult(more, ignored)) buffer.append(more);
     }
     return !buffer.isEmpty();
 }
@@ -110,7 +114,7 @@ int CollectorTeam::getCollectionResults(QVBuffer& buffer)
     for (std::size_t i = 1; i < m_members.size(); ++i) {
         QVBuffer more;
         if (m_members[i]->getCollectionResults(more) != 0) result = 1;
-        append(buffer, more);
+        buffer.append(more);
     }
     return result;
 }

@@ -2,6 +2,7 @@
 
 #include "plugins/CollectorPlugin.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,8 @@ namespace host {
 // The host's collector and those of modules, driven as one. A message goes to the collector that the configuration
 // chose for its kinds: the last one that offers a kind which works here. The host's collector gives the run its start,
 // its clock and its moments: what the others write of those is not taken over, and they are asked for records whenever
-// it made a round. A collector that doesn't support that delivers in the end. Members are not owned.
+// it made a round. A collector that doesn't support that delivers in the end. Where one refuses its messages, none
+// collects. Members are not owned.
 class CollectorTeam : public CollectorPlugin {
 public:
     // `system` tells which kinds work here.
@@ -19,6 +21,7 @@ public:
     // What the configuration is loaded with.
     const std::vector<CollectorPlugin*>& getMembers() const { return m_members; }
 
+    // 1, with an error line and nothing begun, when one of them refuses its messages.
     int startCollection(const std::vector<pwr::InputMsg*>& messages, pwr::SystemMetadata& system) override;
     int stopCollection(CollectionData& summary) override;
     int pauseCollection() override;
@@ -31,6 +34,7 @@ public:
     using CollectorPlugin::doImmediateRead;
 
 private:
+    void stopFirst_i(std::size_t count);
     CollectorPlugin* memberFor_i(const pwr::InputMsg& message) const;
     CollectorPlugin* memberFor_i(const std::string& kind) const;
 

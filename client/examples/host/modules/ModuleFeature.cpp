@@ -5,6 +5,7 @@
 #include "config/ConfigCap.h"
 #include "config/InputMsg.h"
 #include "config/qv_configfile_parser.h"
+#include "record/Metadata.h"
 
 #include <cstddef>
 #include <utility>
@@ -113,6 +114,11 @@ int ModuleFeature::initializeCollection(Messages& messages, MetadataList& metada
     const int result = m_plugin.initializeCollection(messages, metadata, feature, params, system);
     for (std::size_t i = before; i < messages.size(); ++i) {
         if (messages[i] != nullptr && messages[i]->getFeatureName().empty()) messages[i]->setFeatureName(feature);
+    }
+    std::erase(metadata, nullptr);
+    for (pwr::Metadata* record : metadata) {
+        // By the feature's name a saved session finds the way back to it.
+        if (auto* message = dynamic_cast<pwr::MsgMetadata*>(record)) message->setCapName(feature);
     }
     return result;
 }

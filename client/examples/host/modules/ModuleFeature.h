@@ -16,7 +16,7 @@ class Modules;
 
 // One feature of a module's metric plugin among the host's own features: hands everything on to the plugin, under its
 // own number. A plugin with several capabilities has one of these for each, and learns the number of the feature that
-// it is set up for.
+// it is set up for. The message records that it gives bear the feature's name.
 class ModuleFeature : public FeaturePlugin {
 public:
     // Both are the module's, which outlives the feature.

@@ -2,10 +2,14 @@
 
 #include "ConfigFiles.h"
 #include "system/ModuleFile.h"
+#include "system/ProgramFolder.h"
+#include "writers/Results.h"
+#include "writers/Text.h"
 
 #include "output/WriterPlugin.h"
 #include "plugins/CollectorPlugin.h"
 #include "plugins/MetricPlugin.h"
+#include "plugins/PluginCapability.h"
 
 #include <algorithm>
 #include <exception>
@@ -22,6 +26,8 @@ namespace fs = std::filesystem;
 // The host's own plugins begin so.
 const std::string OWN_UUID = "quorvane-host-";
 
+constexpr std::size_t LONGEST_RESULT_NAME = 40;
+
 // System texts may have line ends.
 std::string oneLine(std::string text)
 {
@@ -36,6 +42,29 @@ bool isOfKnownKind(Plugin* plugin)
 {
     return dynamic_cast<CollectorPlugin*>(plugin) != nullptr || dynamic_cast<MetricPlugin*>(plugin) != nullptr ||
            dynamic_cast<WriterPlugin*>(plugin) != nullptr;
+}
+
+// Without a name where its capability has none that a command line can take.
+ModuleWriter describeWriter(WriterPlugin& writer)
+{
+    ModuleWriter description{"", "", "", &writer};
+    Plugin::Capabilities capabilities;
+    writer.getAllCapabilities(capabilities);
+    if (capabilities.empty()) return description;
+    const auto* capability = dynamic_cast<const pwr::WriterPluginCapability*>(capabilities.front());
+    if (capability == nullptr || capability->getName().empty()) return description;
+    const std::string name = plainWord(capability->getName(), '-', LONGEST_RESULT_NAME);
+    if (name.find_first_not_of('-') != std::string::npos) description.name = name;
+    description.description = oneLine(capability->getDescription());
+    description.fileSuffix = capability->getFileSuffix();
+    return description;
+}
+
+bool isOwnResult(const std::string& name)
+{
+    const std::vector<ResultFormat> formats = resultFormats();
+    return std::any_of(formats.begin(), formats.end(),
+                       [&name](const ResultFormat& format) { return name == format.name; });
 }
 
 // The modules of a folder by name. False when it can't be read.
@@ -104,6 +133,15 @@ Modules::~Modules()
         module->file->keepLoaded();
 }
 
+// The folder is never wherever the user happens to stand.
+std::string Modules::loadAll(const std::string& folder)
+{
+    const std::string program = programFolder();
+    if (!program.empty()) load(program + "plugins");
+    if (folder.empty() || load(folder)) return {};
+    return "there is no folder " + folder + ": give --plugin-dir one that holds modules";
+}
+
 bool Modules::load(const std::string& folder)
 {
     std::vector<fs::path> files;
@@ -129,19 +167,20 @@ std::string Modules::load_i(const fs::path& path)
     if (!module->file) return "it can't be loaded: " + fault;
     fault = module->enter();
     if (fault.empty()) fault = findFault_i(module->contents);
-    if (!fault.empty()) {
+    if (fault.empty()) {
+        adopt_i(path, module->contents);
+    } else {
         module->destroyPlugins();
-        return fault;
     }
-    adopt_i(path, module->contents);
-    m_modules.push_back(std::move(module));
-    return {};
+    m_modules.push_back(std::move(module));    // what plugins registered that are gone again may need its code too
+    return fault;
 }
 
 std::string Modules::findFault_i(const QuorvaneModule& contents) const
 {
     if (contents.plugins == nullptr || contents.pluginCount == 0) return "its entry gave no plugin";
     std::set<std::string> own;
+    std::set<std::string> ownNames;
     for (std::uint32_t i = 0; i < contents.pluginCount; ++i) {
         Plugin* plugin = contents.plugins[i];
         if (plugin == nullptr) return "its entry gave no plugin";
@@ -151,8 +190,24 @@ std::string Modules::findFault_i(const QuorvaneModule& contents) const
         if (origin != m_origins.end()) return "its plugin " + uuid + " is there already, from " + origin->second;
         if (uuid.starts_with(OWN_UUID)) return "its plugin " + uuid + " is named like the host's own";
         if (!own.insert(uuid).second) return "its plugin " + uuid + " is there twice";
+        auto* writer = dynamic_cast<WriterPlugin*>(plugin);
+        if (writer == nullptr) continue;
+        const ModuleWriter named = describeWriter(*writer);
+        std::string fault = findNameFault_i(named);
+        if (!fault.empty()) return fault;
+        if (!ownNames.insert(named.name).second) return "its result '" + named.name + "' is there twice";
     }
     return {};
+}
+
+std::string Modules::findNameFault_i(const ModuleWriter& writer) const
+{
+    if (writer.name.empty())
+        return "its writer " + writer.writer->getUUID() + " has no capability with a name for --result";
+    if (isOwnResult(writer.name)) return "its result '" + writer.name + "' is named like one of the host's own";
+    const auto origin = m_nameOrigins.find(writer.name);
+    if (origin == m_nameOrigins.end()) return {};
+    return "its result '" + writer.name + "' is there already, from " + origin->second;
 }
 
 void Modules::adopt_i(const fs::path& path, const QuorvaneModule& contents)
@@ -162,7 +217,10 @@ void Modules::adopt_i(const fs::path& path, const QuorvaneModule& contents)
         m_origins[plugin->getUUID()] = path.string();
         if (auto* collector = dynamic_cast<CollectorPlugin*>(plugin)) m_collectors.push_back(collector);
         if (auto* metrics = dynamic_cast<MetricPlugin*>(plugin)) m_metricPlugins.push_back(metrics);
-        if (auto* writer = dynamic_cast<WriterPlugin*>(plugin)) m_writers.push_back(writer);
+        auto* writer = dynamic_cast<WriterPlugin*>(plugin);
+        if (writer == nullptr) continue;
+        m_writers.push_back(describeWriter(*writer));
+        m_nameOrigins[m_writers.back().name] = path.string();
     }
     const std::string config = fs::path(path).replace_extension(".conf").string();
     if (isReadableFile(config)) m_configFiles.push_back(config);

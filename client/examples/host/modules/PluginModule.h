@@ -18,6 +18,9 @@
 //
 // The plugins stay the module's: the host drives them, and has the module destroy them before it ends its session. All
 // on one thread. The environment and the registry stand from before the entry is called until after destroy().
+//
+// Where the host processes a saved session, collectors stand idle and metric plugins get no initializeCollection():
+// initialize(), the metadata records and the driver records are all that there is.
 
 #if defined(_WIN32)
 #define QUORVANE_MODULE_EXPORT __declspec(dllexport)

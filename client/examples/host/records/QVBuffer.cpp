@@ -103,6 +103,11 @@ void QVBuffer::endRecord()
     replace_i(m_recordStart, static_cast<std::uint32_t>(m_bytes.size() - m_recordStart - sizeof(std::uint32_t)));
 }
 
+void QVBuffer::append(const QVBuffer& more)
+{
+    m_bytes.insert(m_bytes.end(), more.m_bytes.begin(), more.m_bytes.end());
+}
+
 const qv_driver_msg* QVBuffer::next(std::size_t& offset) const
 {
     const std::size_t left = offset <= m_bytes.size() ? m_bytes.size() - offset : 0;

@@ -107,6 +107,7 @@ public:
     void beginBlock(host::BlockKind kind);         // ends the block before
     void addItem(const host::RecordItem& item);    // of the block's kind; texts are cut at 65535 bytes
     void endRecord();
+    void append(const QVBuffer& more);    // its records behind these
 
     // The record at `offset`, which moves behind it. Null at the end and for a record that is cut or shorter than its
     // head; `offset` then stays.

@@ -32,29 +32,48 @@ Replay::~Replay() = default;
 
 std::vector<FeaturePlugin*> Replay::choose(const std::vector<FeaturePlugin*>& plugins)
 {
+    std::vector<int> numbers;               // in the order of the file
+    std::map<int, std::string> features;    // of each number; empty where no message tells
     for (m_hasEntry = m_session.next(); m_hasEntry && m_session.getKind() == SessionEntry::METADATA;
          m_hasEntry = m_session.next()) {
-        const std::unique_ptr<pwr::Metadata> record = m_session.takeMetadata();
-        meet_i(record->getPluginID(), plugins);
-        learn_i(*record);
+        m_front.push_back(m_session.takeMetadata());
+        const auto [feature, isNew] = features.try_emplace(m_front.back()->getPluginID());
+        if (isNew) numbers.push_back(feature->first);
+        const auto* message = dynamic_cast<const pwr::MsgMetadata*>(m_front.back().get());
+        if (message != nullptr && feature->second.empty()) feature->second = message->getCapName();
     }
+    for (const int sid : numbers)
+        meet_i(sid, features[sid], plugins);
     return m_plugins;
 }
 
-// A record of a plugin that was not met before.
-void Replay::meet_i(int sid, const std::vector<FeaturePlugin*>& plugins)
+// A plugin of a module may have several features, each with a number of its own.
+void Replay::meet_i(int sid, const std::string& feature, const std::vector<FeaturePlugin*>& plugins)
 {
     const auto uuid = m_record.sidToUuid.find(sid);
-    if (uuid == m_record.sidToUuid.end() || findPlugin_i(sid) != nullptr) return;
-    const auto isMeant = [&uuid](const Plugin* plugin) { return plugin->getUUID() == uuid->second; };
-    const auto plugin = std::find_if(plugins.begin(), plugins.end(), isMeant);
+    if (uuid == m_record.sidToUuid.end()) return;
+    const auto plugin = std::find_if(plugins.begin(), plugins.end(), [&](const FeaturePlugin* one) {
+        return one->getUUID() == uuid->second && (feature.empty() || one->getName() == feature) &&
+               std::find(m_plugins.begin(), m_plugins.end(), one) == m_plugins.end();
+    });
     if (plugin == plugins.end()) {
         m_missing.insert(uuid->second);
-    } else if (std::find(m_plugins.begin(), m_plugins.end(), *plugin) == m_plugins.end()) {
+    } else {
         (*plugin)->setSID(sid);
-        (*plugin)->initialize(m_record);
         m_plugins.push_back(*plugin);
     }
+}
+
+const Plugin* Replay::begin()
+{
+    for (FeaturePlugin* plugin : m_plugins) {
+        if (plugin->initialize(m_record) != 0) return plugin;
+        for (const auto& record : m_front) {
+            if (record->getPluginID() == plugin->getSID()) plugin->processMetadata(record.get());
+        }
+    }
+    m_front.clear();
+    return nullptr;
 }
 
 void Replay::run()
@@ -96,7 +115,11 @@ void Replay::process_i(const qv_driver_msg* message)
         return;
     }
     const id_config_t id = {message->plugin_id, message->metric_id, message->msg_id};
-    if (g_pluginEnvironment != nullptr) g_pluginEnvironment->checkAndRecordReset(id, message->tsc);
+    const bool isReset = g_pluginEnvironment != nullptr && g_pluginEnvironment->checkAndRecordReset(id, message->tsc);
+    if (isReset && ++m_resets > MOST_RESETS) {    // the environment keeps them all
+        m_session.refuse("tells of more than " + std::to_string(MOST_RESETS) + " resets");
+        return;
+    }
     deliver_i(message);
 }
 

@@ -18,4 +18,9 @@ constexpr std::uint32_t LONGEST_ENTRY_BYTES = 64U << 20U;
 constexpr std::uint32_t STATE_BYTES = 12;
 constexpr std::uint32_t CLOSING_BYTES = 24;
 
+// What processing keeps of a session is bounded, so that a hostile one takes no more memory than a long one.
+constexpr std::size_t MOST_METADATA = std::size_t{1} << 16U;    // records: as many as there are plugins and messages
+constexpr std::size_t MOST_STATES = std::size_t{1} << 16U;
+constexpr std::size_t MOST_RESETS = std::size_t{1} << 18U;    // driver records behind a state
+
 }    // namespace host

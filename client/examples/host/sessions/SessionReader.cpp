@@ -102,7 +102,7 @@ bool SessionReader::decode_i()
         ++m_records;
         return true;
     case SessionEntry::STATE:
-        if (payloadBytes_i() != STATE_BYTES) return false;
+        if (payloadBytes_i() != STATE_BYTES || ++m_states > MOST_STATES) return false;
         m_numbers[0] = number_i(0, 8);
         m_numbers[1] = number_i(8, 4);
         return true;
@@ -120,7 +120,7 @@ bool SessionReader::decode_i()
 // A system record among them would replace the topology.
 bool SessionReader::decodeMetadata_i()
 {
-    if (payloadBytes_i() < sizeof(Tag)) return false;
+    if (payloadBytes_i() < sizeof(Tag) || ++m_metadataRecords > MOST_METADATA) return false;
     const auto tag = static_cast<Tag>(number_i(0, sizeof(Tag)));
     if (tag != Tag::MSG && tag != Tag::METRIC && tag != Tag::COLLECTOR) return false;
     pwr::Serializer in = serializerOver(m_bytes);

@@ -43,6 +43,9 @@ public:
     unsigned int getState() const { return static_cast<unsigned int>(m_numbers[1]); }    // STATE
     void takeStopTimes(pwr::SystemMetadata& system) const;                               // CLOSING
 
+    // Ends the session here, for a reason that lies in the row of its entries: "tells of too many resets".
+    void refuse(const std::string& fault) { m_fault = fault; }
+
     bool isWhole() const { return m_isWhole; }                 // the closing record was reached
     const std::string& getFault() const { return m_fault; }    // why next() or begin() went no further
     std::uint64_t getRecords() const { return m_records; }     // driver records so far
@@ -64,6 +67,8 @@ private:
     std::unique_ptr<pwr::Metadata> m_metadata;
     bool m_isWhole = false;
     std::uint64_t m_records = 0;
+    std::size_t m_metadataRecords = 0;
+    std::size_t m_states = 0;
     std::string m_fault;
 };
 

@@ -72,7 +72,7 @@ void SessionWriter::addMetadata(const pwr::Metadata& record)
 
 void SessionWriter::addStates(const std::map<unsigned long long, unsigned int>& events)
 {
-    if (events.size() == m_states.size()) return;
+    if (events == m_states) return;
     for (const auto& [tick, state] : events) {
         const auto [known, isNew] = m_states.try_emplace(tick, state);
         if (!isNew && known->second == state) continue;

@@ -1,5 +1,6 @@
 #include "tracing/MarkSession.h"
 
+#include "system/TraceSlot.h"
 #include "tracing/TracePrinter.h"
 
 #include <cstdlib>
@@ -27,9 +28,10 @@ EVENT_TRACE_LOGFILEA MarkSession::setLogfileCallback()
     EVENT_TRACE_LOGFILEA logfile = EtwSession::setLogfileCallback();
     logfile.ProcessTraceMode = PROCESS_TRACE_MODE_EVENT_RECORD;
     logfile.Context = this;
+    // A session gets the marks of every host that traces meanwhile.
     logfile.EventRecordCallback = [](EVENT_RECORD* record) {
         TracePrinter* printer = static_cast<MarkSession*>(record->UserContext)->m_printer;
-        if (printer != nullptr) printer->add(*record);
+        if (printer != nullptr && record->EventHeader.ProcessId == ownProcessId()) printer->add(*record);
     };
     return logfile;
 }

@@ -18,8 +18,8 @@ public:
     bool isRunning() const { return m_properties != nullptr; }
     const std::string& getFile() const { return m_logFile; }
 
-    // Hands the host's events of the file to the printer, their times in units of 100 ns. False when the file can't be
-    // read to its end.
+    // Hands this process's events of the file to the printer, their times in units of 100 ns. False when the file can't
+    // be read to its end.
     bool replayTo(TracePrinter& printer);
 
     // Makes the "_Capture" file of those with the suffixes and returns when that is done. Failures are logged.

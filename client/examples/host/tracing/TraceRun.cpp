@@ -33,6 +33,13 @@ const Kind KINDS[] = {
     {"_Rounds", "QuorvaneHostRounds", "the host's rounds", ROUND_KEYWORD},
 };
 
+// The first host that traces has the plain names.
+std::string sessionName(const Kind& kind, const TraceSlot& slot)
+{
+    const unsigned int number = slot.getNumber();
+    return kind.session + (number == 0 ? std::string() : "-" + std::to_string(number + 1));
+}
+
 std::string pathWith(std::string file, const std::string& suffix)
 {
     return file.insert(file.size() - ENDING.size(), suffix);
@@ -102,8 +109,10 @@ bool TraceRun::makeRoom_i(const std::string& path) const
 bool TraceRun::startSessions_i()
 {
     const LogCatcher log;
+    m_slot.emplace();
     for (const Kind& kind : KINDS) {
-        MarkSession& session = m_sessions.emplace_back(m_file, kind.suffix, kind.session, kind.displayName);
+        const std::string name = sessionName(kind, *m_slot);
+        MarkSession& session = m_sessions.emplace_back(m_file, kind.suffix, name, kind.displayName);
         session.addProvider(TRACE_PROVIDER, kind.keyword);
         const bool runs = session.begin();
         if (runs && isFile(session.getFile())) continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "system/TraceSlot.h"
 #include "tracing/MarkSession.h"
 #include "tracing/TraceEvents.h"
 #include "tracing/TracingCollector.h"
@@ -15,8 +16,8 @@ namespace host {
 
 // The trace of one run. Two sessions record the host's own events while it collects: FILE_Phases.etl has the phases,
 // FILE_Rounds.etl a mark for each round. In the end both are merged by time into FILE_Capture.etl, which is read again
-// and printed. Without a file all of this does nothing. What fails is said, in one line. Needs the environment, with
-// the tool's directory.
+// and printed. Hosts that trace at the same time have sessions of their own. Without a file all of this does nothing.
+// What fails is said, in one line. Needs the environment, with the tool's directory.
 //
 //   TraceRun trace("run.etl", std::cout, say);
 //   if (!trace.begin()) return 1;
@@ -57,6 +58,7 @@ private:
     std::ostream& m_out;
     Say m_say;
     std::optional<TraceMarks> m_marks;
+    std::optional<TraceSlot> m_slot;       // outlives the sessions, which it names
     std::deque<MarkSession> m_sessions;    // those that run, in the order of the suffixes
     std::unique_ptr<TracingCollector> m_collector;
 };

@@ -10,6 +10,7 @@ namespace {
 
 constexpr double ROW = 26;
 constexpr double NAME_WIDTH = 208;    // left of the bars
+constexpr double CHARACTER = 7.6;     // a wide one
 constexpr double LEAST_NAMED = 54;    // the width of a part that has room for its share
 
 // Of the amounts; 1 where there is nothing.
@@ -75,7 +76,7 @@ void appendShareBars(std::string& out, const ChartHead& head, const std::vector<
         appendShareRow(out, row, states, y);
         y += ROW;
     }
-    out += "</svg>";
+    out += "</svg></div>";
     std::vector<LegendItem> items;
     for (std::size_t i = 0; i < states.size(); ++i)
         items.push_back({states[i], percent(total.amounts[i] / sumOf(total))});
@@ -87,11 +88,14 @@ void appendBars(std::string& out, const ChartHead& head, const std::vector<Chart
 {
     double low = 0;
     double high = 0;
+    std::size_t longest = 0;    // of the texts behind the bars
     for (const ChartBar& bar : bars) {
         low = std::min({low, bar.min, bar.value});
         high = std::max({high, bar.max, bar.value});
+        longest = std::max(longest, withUnit(bar.value, head.unit).size());
     }
-    const Scale scale(low, high, NAME_WIDTH, RIGHT - 70, false);
+    const double room = std::min(8 + static_cast<double>(longest) * CHARACTER, (RIGHT - NAME_WIDTH) / 2);
+    const Scale scale(low, high, NAME_WIDTH, RIGHT - room, false);
     beginChart(out, head, "bars", heightOf(bars.size()));
     out += '>';
     double y = 4;
@@ -99,7 +103,7 @@ void appendBars(std::string& out, const ChartHead& head, const std::vector<Chart
         appendBar(out, bar, scale, head.unit, y);
         y += ROW;
     }
-    out += "</svg></figure>\n";
+    out += "</svg></div></figure>\n";
 }
 
 }    // namespace host

@@ -15,6 +15,9 @@ namespace host {
 //   if (!file.close()) complain(file.getError());
 class CsvFile : public OutFile {
 public:
+    // Lines as they stand in front of a file, each as one quoted cell, with an empty line behind them.
+    static std::string headText(const std::vector<std::string>& lines);
+
     void writeRow(const std::vector<std::string>& cells);
     void writeEmptyLine();
 };

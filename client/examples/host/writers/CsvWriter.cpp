@@ -41,9 +41,10 @@ int CsvWriter::openOutput()
 int CsvWriter::closeOutput()
 {
     finishTables_i();
-    int result = closeFile_i(m_summary);
+    const std::string head = CsvFile::headText(head_i().lines());
+    int result = closeFile_i(m_summary, head);
     for (auto& [metric, timeline] : m_timelines)
-        result = closeFile_i(timeline.file);
+        result = closeFile_i(timeline.file, head);
     return result;
 }
 

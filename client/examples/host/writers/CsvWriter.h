@@ -10,7 +10,7 @@
 namespace host {
 
 // Writes comma-separated values for other programs. Numbers have a point and no grouping, times are UTC, whatever the
-// locale.
+// locale. Each file begins with the head of the results, a quoted cell for each line, and an empty line.
 //
 // PREFIX_summary.csv holds every summary table, with an empty line behind each:
 //

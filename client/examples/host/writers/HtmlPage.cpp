@@ -31,6 +31,15 @@ h1{margin:6px 0 18px;font-size:30px;line-height:1.2;letter-spacing:-.02em;overfl
 box-shadow:var(--shadow)}
 .facts dt{color:var(--dim);font-size:12px}
 .facts dd{margin:2px 0 0;font-weight:600;font-variant-numeric:tabular-nums;overflow-wrap:anywhere}
+.head{display:grid;grid-template-columns:repeat(auto-fit,minmax(min(100%,380px),1fr));gap:12px 28px;margin:0 0 20px;
+background:var(--card);border:1px solid var(--line);border-radius:12px;padding:14px 18px;box-shadow:var(--shadow)}
+.head h3,summary{font-size:13px;font-weight:600}
+.head details{grid-column:1/-1}
+summary{cursor:pointer}
+summary:hover{color:var(--accent)}
+pre{margin:6px 0 0;color:var(--dim);font:12px/1.5 ui-monospace,SFMono-Regular,Menlo,Consolas,"Liberation Mono",monospace;
+white-space:pre-wrap;overflow-wrap:anywhere}
+.rule{display:block;height:1px;margin:5px 0;background:var(--line);overflow:hidden;color:transparent}
 nav{display:flex;flex-wrap:wrap;gap:8px;margin-bottom:8px}
 nav a{color:var(--accent);text-decoration:none;border:1px solid var(--line);background:var(--card);border-radius:99px;
 padding:4px 14px;font-size:14px;max-width:320px;overflow:hidden;text-overflow:ellipsis;white-space:nowrap}
@@ -45,6 +54,8 @@ figcaption p,.note{margin:3px 0 0;color:var(--dim);font-size:13.5px;white-space:
 .note{margin:0 0 14px}
 figure>.note{margin:10px 0 0}
 svg{display:block;width:100%;height:auto}
+.plot{overflow-x:auto}
+@media screen and (max-width:720px){header,main,footer{padding:0 14px}.plot svg{min-width:640px}}
 text{font-size:12px;fill:var(--ink);font-variant-numeric:tabular-nums}
 .end{text-anchor:end}.middle{text-anchor:middle}.dim{fill:var(--dim)}
 .inside{fill:#fff;font-weight:600;font-size:11.5px}
@@ -81,9 +92,11 @@ th[aria-sort=descending]::after{content:"\2193";opacity:1}
 .tip{position:fixed;pointer-events:none;background:var(--ink);color:var(--card);border-radius:8px;padding:6px 10px;
 font-size:12.5px;line-height:1.45;white-space:pre;z-index:9;display:none;font-variant-numeric:tabular-nums}
 footer{color:var(--dim);font-size:12.5px;padding-top:26px;padding-bottom:40px}
-@media print{body{font-size:11px}header,main,footer{max-width:none;padding-left:0;padding-right:0}nav,.tip{display:none!important}
+@media print{details::details-content{content-visibility:visible;height:auto}.head{padding:8px 0;border:0}
+.head,.head pre{break-inside:avoid}pre{font-size:10px}body{font-size:11px}header,main,footer{max-width:none;padding-left:0;padding-right:0}nav,.tip{display:none!important}
 figure{break-inside:avoid;padding:8px 0;border:0}figure.table{break-inside:auto}thead{display:table-header-group}
 tr{break-inside:avoid}h2,h3{break-after:avoid}.scroll{max-height:none;overflow:visible;margin:0;padding:0}
+table{font-size:9.5px}th,td{padding:3px 6px}th{overflow-wrap:anywhere}.facts{grid-template-columns:repeat(3,1fr)}
 th{position:static}th[aria-sort]::after{content:""}*{-webkit-print-color-adjust:exact;print-color-adjust:exact}}
 )css";
 
@@ -100,7 +113,7 @@ for (const section of document.querySelectorAll('section[id]')) {
 const keyOf = (row, column) => {
   const cell = row.cells[column];
   const text = cell ? cell.textContent.trim() : '';
-  const number = cell && cell.className === 'n' ? Number.parseFloat(text) : NaN;
+  const number = cell && cell.className === 'n' ? Number.parseFloat(text.replace('inf', 'Infinity')) : NaN;
   return {text, number, isEmpty: text === '' || (cell.className === 'n' && Number.isNaN(number))};
 };
 const compare = (a, b, sign) => {
@@ -131,6 +144,7 @@ for (const table of document.querySelectorAll('table')) {
     });
   });
 }
+addEventListener('beforeprint', () => document.querySelectorAll('details').forEach(part => { part.open = true; }));
 const tip = document.body.appendChild(document.createElement('div'));
 tip.className = 'tip';
 for (const svg of document.querySelectorAll('svg.line')) {
@@ -159,15 +173,52 @@ for (const svg of document.querySelectorAll('svg.line')) {
   svg.addEventListener('pointerleave', () => { tip.style.display = 'none'; hair.removeAttribute('d'); });
 }
 )js";
-constexpr const char* SCRIPT_HASH = "sha256-m4CHbbpzZlINfzfPNu2vNF6D9abPTFxBDagOaxDULv0=";
+constexpr const char* SCRIPT_HASH = "sha256-zMYvl/ay20c5VijTUIIvKayFDJY6AM2fd0Vua3q8L04=";
 
 constexpr const char* BRAND =
     "<div class=\"brand\"><svg viewBox=\"0 0 24 24\" aria-hidden=\"true\"><path d=\"M2 13h4l3-8 5 14 3-9 1.6 3H22\"/>"
     "</svg>Quorvane measurement</div>";
 
+// Each line stands in a line of the file too. Rules of hyphens are drawn.
+void appendLines(std::string& out, const std::vector<std::string>& lines)
+{
+    out += "<pre>";
+    for (const std::string& line : lines) {
+        const bool isRule = !line.empty() && line.find_first_not_of('-') == std::string::npos;
+        if (isRule) out += "<span class=\"rule\">";
+        appendHtml(out, line);
+        out += isRule ? "\n</span>" : "\n";
+    }
+    out += "</pre>";
+}
+
+void appendHead(std::string& out, const ResultHead& head)
+{
+    out += "<div class=\"head\"><div><h3>Tool</h3>";
+    appendLines(out, head.tool);
+    out += "</div><div><h3>Collection</h3>";
+    appendLines(out, head.collection);
+    out += "</div><details><summary>Hardware</summary>";
+    appendLines(out, head.hardware);
+    out += "</details></div>";
+}
+
+void appendFacts(std::string& out, const HtmlPage::Facts& facts)
+{
+    out += "<dl class=\"facts\">";
+    for (const auto& [label, text] : facts) {
+        out += "<div><dt>";
+        appendHtml(out, label);
+        out += "</dt><dd>";
+        appendHtml(out, text);
+        out += "</dd></div>";
+    }
+    out += "</dl>";
+}
+
 }    // namespace
 
-void HtmlPage::begin(std::string& out, const std::string& title, const Facts& facts)
+void HtmlPage::begin(std::string& out, const std::string& title, const Facts& facts, const ResultHead& head)
 {
     out += "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">\n"
            "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src 'unsafe-inline'; "
@@ -181,15 +232,10 @@ void HtmlPage::begin(std::string& out, const std::string& title, const Facts& fa
     out += BRAND;
     out += "<h1>";
     appendHtml(out, title);
-    out += "</h1><dl class=\"facts\">";
-    for (const auto& [label, text] : facts) {
-        out += "<div><dt>";
-        appendHtml(out, label);
-        out += "</dt><dd>";
-        appendHtml(out, text);
-        out += "</dd></div>";
-    }
-    out += "</dl><nav aria-label=\"Sections\"></nav></header>\n<main>\n";
+    out += "</h1>";
+    appendFacts(out, facts);
+    if (!head.tool.empty()) appendHead(out, head);
+    out += "<nav aria-label=\"Sections\"></nav></header>\n<main>\n";
 }
 
 void HtmlPage::end(std::string& out)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "writers/ResultHead.h"
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,7 +14,7 @@ struct HtmlPage {
     using Facts = std::vector<std::pair<std::string, std::string>>;    // what is known of the run: label and text
 
     // Up to the first section.
-    static void begin(std::string& out, const std::string& title, const Facts& facts);
+    static void begin(std::string& out, const std::string& title, const Facts& facts, const ResultHead& head);
     static void end(std::string& out);
 };
 

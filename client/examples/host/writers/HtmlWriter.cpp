@@ -9,15 +9,17 @@
 #include "values/Data.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace host {
 
 namespace {
 
 constexpr const char* TOP_TEN_TITLE = " Most-Frequent";    // how the titles of these tables end or go on
+constexpr const char* UNKNOWN = "Unknown";                 // how the record tells what it lacks
 constexpr std::size_t MAX_BARS = 10;
 constexpr std::size_t MAX_CELLS = 30'000;    // of a table: browsers get slow
-constexpr std::size_t MIN_ROWS = 50;
+constexpr std::size_t MIN_ROWS = 10;
 
 // The name between the two lines of a banner.
 std::string nameInBanner(const std::string& banner)
@@ -66,23 +68,19 @@ int HtmlWriter::closeOutput()
         openSection_i(m_charts.begin()->second.name);
         drawCharts_i(m_charts.begin()->first);
     }
-    std::string& out = page_i();
     closeSection_i();
-    HtmlPage::end(out);
-    return closeFile_i(m_file);
+    HtmlPage::end(page_i());
+    std::string front;
+    const pwr::SystemMetadata* record = time_i().getRecord();
+    HtmlPage::begin(front, record != nullptr ? "Measurement of " + record->hostName : "Measurement", facts_i(),
+                    head_i());
+    return closeFile_i(m_file, front);
 }
 
-// The page begins with its first content: then the record tells how the run went.
 std::string& HtmlWriter::page_i()
 {
-    std::string& out = m_file.pending();
-    if (!m_isBegun) {
-        m_isBegun = true;
-        const pwr::SystemMetadata* record = time_i().getRecord();
-        HtmlPage::begin(out, record != nullptr ? "Measurement of " + record->hostName : "Measurement", facts_i());
-    }
     m_file.commit();
-    return out;
+    return m_file.pending();
 }
 
 HtmlPage::Facts HtmlWriter::facts_i()
@@ -91,10 +89,11 @@ HtmlPage::Facts HtmlWriter::facts_i()
     const pwr::SystemMetadata* record = time_i().getRecord();
     if (record == nullptr) return facts;
     const auto add = [&facts](const char* label, const std::string& text) {
-        if (!text.empty() && text != "Unknown") facts.emplace_back(label, text);
+        if (!text.empty() && text != UNKNOWN) facts.emplace_back(label, text);
     };
     add("Platform", record->platformName);
-    add("System", record->osName == record->osVersion ? record->osName : record->osName + " " + record->osVersion);
+    const bool hasVersion = record->osVersion != record->osName && record->osVersion != UNKNOWN;
+    add("System", hasVersion ? record->osName + " " + record->osVersion : record->osName);
     if (record->startTimeval != 0) add("Started", utcText(record->startTimeval));
     if (record->stopTimeval > record->startTimeval)
         add("Measured for", seconds(record->stopTimeval - record->startTimeval));
@@ -121,11 +120,13 @@ void HtmlWriter::closeSection_i()
 int HtmlWriter::writeMessage(const pwr::Metric& metric)
 {
     Chart& chart = m_charts[metric.getId()];
+    if (chart.name.empty()) chart.name = metric.getName();
     const std::uint64_t atNs = time_i().sinceStartNs(metric.getData().timestamp);
     for (const pwr::DataElement* element : metric.getData().elements) {
         const Reading reading = readValue(element->getValue());
-        if (!chart.isKnown) {
-            chart = {metric.getName(), true, Picture::make(metric, reading)};
+        if (!chart.isKnown && reading.kind != Reading::Kind::NOTHING) {
+            chart.isKnown = true;
+            chart.picture = Picture::make(metric, reading);
         }
         if (chart.picture) chart.picture->take(*element, reading, atNs, time_i().toNs(element->getDuration()));
     }
@@ -207,6 +208,7 @@ void HtmlWriter::writeRow_i(const std::vector<TableCell>& cells)
     out += "</tr>\n";
     if (!m_isTopTen || m_topTen.size() == MAX_BARS || cells.size() < 2) return;
     const double count = readValue(cells.back().value).real;
+    if (!std::isfinite(count)) return;
     m_topTen.push_back({cells.front().text, count, count, count});
 }
 

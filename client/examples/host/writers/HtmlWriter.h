@@ -10,9 +10,10 @@
 
 namespace host {
 
-// Writes PREFIX.html, a report in one file for a browser or a printer: what is known of the run, then for each metric
-// its notes, charts and tables. A table that is too long for a browser is cut, and says so. Tables go to the file row
-// by row; the charts of a metric are drawn when its tables begin, from what Picture keeps of its timeline.
+// Writes PREFIX.html, a report in one file for a browser or a printer: what is known of the run, the head of the
+// results, then for each metric its notes, charts and tables. A table that is too long for a browser is cut, and says
+// so. Tables go to the file row by row; the charts of a metric are drawn when its tables begin, from what Picture keeps
+// of its timeline.
 class HtmlWriter : public ResultWriter {
 public:
     explicit HtmlWriter(const std::string& prefix);
@@ -28,8 +29,8 @@ protected:
 
 private:
     struct Chart {
-        std::string name;    // of the metric
-        bool isKnown = false;
+        std::string name;                    // of the metric
+        bool isKnown = false;                // by its first value
         std::unique_ptr<Picture> picture;    // null: nothing to draw
     };
 
@@ -47,7 +48,6 @@ private:
 
     std::string m_path;
     OutFile m_file;
-    bool m_isBegun = false;
     bool m_hasSection = false;
     unsigned int m_sections = 0;
     std::map<unsigned int, Chart> m_charts;    // by the metric's id, until they are drawn

@@ -4,6 +4,10 @@
 #include "runtime/pw_functions.h"
 
 #include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <vector>
 
 namespace host {
 
@@ -43,6 +47,36 @@ bool OutFile::close()
     errno = 0;
     std::FILE* file = m_file.release();
     if (file != nullptr && std::fclose(file) != 0) fail_i("could not be written to its end");
+    return m_error.empty();
+}
+
+bool OutFile::closeBehind(std::string_view front)
+{
+    if (!close() || front.empty() || m_path.empty()) return m_error.empty();
+    const std::string whole = m_path + ".part";
+    std::error_code error;
+    if (copyTo_i(whole, front)) std::filesystem::rename(whole, m_path, error);
+    if (error) m_error = m_path + " could not be given its head: " + error.message();
+    std::error_code ignored;
+    if (!m_error.empty()) std::filesystem::remove(whole, ignored);
+    return m_error.empty();
+}
+
+bool OutFile::copyTo_i(const std::string& path, std::string_view front)
+{
+    std::ifstream in(m_path, std::ios::binary);
+    OutFile out;
+    if (out.open(path)) out.write(front);
+    std::vector<char> piece(PIECE_BYTES);
+    while (in && out.getError().empty()) {
+        in.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+        out.write({piece.data(), static_cast<std::size_t>(in.gcount())});
+    }
+    if (!out.close()) {
+        m_error = out.getError();
+    } else if (!in.eof()) {
+        m_error = m_path + " could not be read again";
+    }
     return m_error.empty();
 }
 

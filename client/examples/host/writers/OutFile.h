@@ -33,6 +33,10 @@ public:
     // False when anything failed since the construction. A file that is not open is closed already.
     bool close();
 
+    // The same, with a text in front of all that was written: what is known in the end only. When that fails, the file
+    // stays without it.
+    bool closeBehind(std::string_view front);
+
     const std::string& getPath() const { return m_path; }
     const std::string& getError() const { return m_error; }    // with the path; empty: none
 
@@ -41,6 +45,7 @@ private:
     struct Closer {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
+    bool copyTo_i(const std::string& path, std::string_view front);
     void fail_i(const std::string& what);
 
     std::string m_path;

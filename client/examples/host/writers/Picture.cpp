@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::size_t MAX_LINES = 6;    // in one chart: more can't be told apart
 constexpr std::size_t TOP = 10;
+constexpr double MOST_TICKS = 1e200;    // sums of them are finite
 
 }    // namespace
 
@@ -27,7 +28,7 @@ std::unique_ptr<Picture> Picture::make(const pwr::Metric& metric, const Reading&
     const Type type = metric.getMetricType();
     if (type == Type::TracedEvent) return nullptr;
     if (type == Type::SampledResidency || !first.isNumber())
-        return std::make_unique<SharePicture>(metric.getName(), type == Type::SampledResidency);
+        return std::make_unique<SharePicture>(type == Type::SampledResidency);
     if (type != Type::SampledDelta) return std::make_unique<ValuePicture>(info.name, info.unit, false, 1);
     const pwr::Quantity* rate = nullptr;
     double factor = 1;
@@ -95,7 +96,10 @@ void ValuePicture::draw(std::string& out) const
     std::vector<ChartLine> charts;
     for (std::size_t i = 0; i < m_lines.size(); ++i)
         charts.push_back(m_lines[i]->toChart(names[i]));
-    if (charts.empty()) return;
+    if (charts.empty()) {
+        if (m_leftOut > 0) out += "<p class=\"note\">" + noteOn_i(0) + "</p>\n";
+        return;
+    }
     drawLines_i(out, charts);
     if (charts.size() > 2) drawTopTen_i(out, charts);
 }
@@ -125,7 +129,7 @@ std::string ValuePicture::noteOn_i(std::size_t drawn) const
         note = "The first " + std::to_string(drawn) + " of " + std::to_string(m_lines.size()) +
                " are drawn; the tables have all. ";
     }
-    if (m_leftOut > 0) note += std::to_string(m_leftOut) + " values that are no finite numbers are not drawn.";
+    if (m_leftOut > 0) note += "Values that are no finite numbers are not drawn: " + std::to_string(m_leftOut) + ".";
     return note;
 }
 
@@ -141,8 +145,6 @@ void ValuePicture::drawTopTen_i(std::string& out, std::vector<ChartLine> lines) 
     appendBars(out, {title, "The thin line reaches from minimum to maximum.", m_unit}, bars);
 }
 
-SharePicture::SharePicture(const std::string& name, bool isResidency) : m_name(name), m_isResidency(isResidency) {}
-
 void SharePicture::take(const pwr::DataElement& element, const Reading& reading, std::uint64_t atNs,
                         std::uint64_t durationNs)
 {
@@ -150,11 +152,12 @@ void SharePicture::take(const pwr::DataElement& element, const Reading& reading,
     double amount = static_cast<double>(durationNs);
     if (m_isResidency) {
         state = nameOf(element.getDescriptor());
-        amount = std::isfinite(reading.real) ? std::max(reading.real, 0.0) : 0;    // ticks: only shares are drawn
+        amount =
+            std::isfinite(reading.real) ? std::clamp(reading.real, 0.0, MOST_TICKS) : 0;    // only shares are drawn
     } else {
         appendReading(state, reading);
     }
-    const std::size_t index = stateOf_i(state);
+    const std::size_t index = stateOf_i(state.empty() ? "(no value)" : state);
     m_totals[index] += amount;
     m_series[index].add(atNs, amount, 1);
     ChartShares& row = rowOf_i(element.getEntity());
@@ -166,10 +169,12 @@ std::size_t SharePicture::stateOf_i(const std::string& name)
 {
     const auto found = m_stateIndexes.find(name);
     if (found != m_stateIndexes.end()) return found->second;
-    if (m_states.size() == MAX_STATES) return MAX_STATES - 1;
-    const bool isLast = m_states.size() + 1 == MAX_STATES;
+    if (m_states.size() == MAX_STATES) {
+        m_states.back() = "all others";
+        return MAX_STATES - 1;
+    }
     m_stateIndexes.emplace(name, m_states.size());
-    m_states.push_back(isLast ? "all others" : name);
+    m_states.push_back(name);
     m_series.emplace_back();
     m_totals.push_back(0);
     return m_states.size() - 1;
@@ -179,8 +184,7 @@ std::size_t SharePicture::stateOf_i(const std::string& name)
 ChartShares& SharePicture::rowOf_i(const pwr::EntityHandle* entity)
 {
     const auto [entry, isNew] = m_rowIndexes.try_emplace(entity, std::min(m_rowIndexes.size(), MAX_DRAWN));
-    if (isNew) ++m_entityCount;
-    if (entry->second == m_rows.size()) m_rows.push_back({qualifiedNameOf(entity), {}});
+    if (isNew && entry->second == m_rows.size()) m_rows.push_back({qualifiedNameOf(entity), {}});
     return m_rows[entry->second];
 }
 
@@ -197,9 +201,9 @@ void SharePicture::draw(std::string& out) const
         rows[i].amounts.resize(m_states.size());
     }
     if (rows.empty()) return;
-    const std::string note = m_entityCount > rows.size()
-                                 ? "The first " + std::to_string(rows.size()) + " of " + std::to_string(m_entityCount) +
-                                       " are drawn; the tables have all."
+    const std::string note = m_rowIndexes.size() > rows.size()
+                                 ? "The first " + std::to_string(rows.size()) + " of " +
+                                       std::to_string(m_rowIndexes.size()) + " are drawn; the tables have all."
                                  : "";
     appendShareBars(out, {"Share of the time", note, ""}, m_states, rows, {"", m_totals});
     appendShareArea(out, {"Shares over time, all together", "", ""}, m_states, m_series);

@@ -66,26 +66,24 @@ private:
 // The time that entities spent in states.
 class SharePicture : public Picture {
 public:
-    SharePicture(const std::string& name, bool isResidency);
+    explicit SharePicture(bool isResidency) : m_isResidency(isResidency) {}
     void take(const pwr::DataElement& element, const Reading& reading, std::uint64_t atNs,
               std::uint64_t durationNs) override;
     void draw(std::string& out) const override;
 
 private:
-    static constexpr std::size_t MAX_STATES = COLOURS;    // the last stands for all that come later
+    static constexpr std::size_t MAX_STATES = COLOURS;    // when there are more, the last stands for all others
 
     std::size_t stateOf_i(const std::string& name);
     ChartShares& rowOf_i(const pwr::EntityHandle* entity);
 
-    std::string m_name;
     bool m_isResidency;
     std::vector<std::string> m_states;
     std::map<std::string, std::size_t> m_stateIndexes;
     std::vector<ThinnedSeries> m_series;    // by state
     std::vector<double> m_totals;
     std::map<const pwr::EntityHandle*, std::size_t> m_rowIndexes;
-    std::vector<ChartShares> m_rows;    // by entity, in first-seen order; at most those that are drawn
-    std::size_t m_entityCount = 0;
+    std::vector<ChartShares> m_rows;    // in first-seen order those that are drawn, then one for all others
 };
 
 }    // namespace host

@@ -252,6 +252,7 @@ bool PrometheusWriter::replaceFile_i()
     std::filesystem::rename(unfinished, m_path, trouble);
     if (!trouble) return true;
     m_lastError = m_path + " can't be replaced: " + trouble.message();
+    std::filesystem::remove(unfinished, trouble);
     return false;
 }
 

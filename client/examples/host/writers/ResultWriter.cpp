@@ -22,9 +22,15 @@ bool ResultWriter::openFile_i(OutFile& file, const std::string& path)
     return false;
 }
 
-int ResultWriter::closeFile_i(OutFile& file)
+ResultHead ResultWriter::head_i() const
 {
-    if (!file.close()) fail_i(file.getError());
+    const pwr::SystemMetadata* record = m_time.getRecord();
+    return record != nullptr ? resultHead(*record, m_isPostProcessed) : ResultHead();
+}
+
+int ResultWriter::closeFile_i(OutFile& file, std::string_view front)
+{
+    if (!file.closeBehind(front)) fail_i(file.getError());
     return m_error.empty() ? 0 : 1;
 }
 

@@ -7,7 +7,6 @@
 #include "writers/TraceWriter.h"
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
 
 namespace host {
@@ -54,19 +53,14 @@ std::vector<ResultFormat> resultFormats()
     return formats;
 }
 
-bool Results::add(const std::vector<std::string>& names, const std::string& prefix)
+void Results::add(const std::vector<std::string>& names, const std::string& prefix)
 {
-    for (const std::string& name : names) {
-        const auto isMeant = [&name](const Row& row) { return name == row.format.name; };
-        if (std::any_of(std::begin(ROWS), std::end(ROWS), isMeant)) continue;
-        m_unknown = name;
-        return false;
-    }
     for (const Row& row : ROWS) {
         const bool isContained = row.make == makeSummary && isAmong(names, "csv");
-        if (isAmong(names, row.format.name) && !isContained) m_writers.push_back(row.make(prefix));
+        if (!isAmong(names, row.format.name) || isContained) continue;
+        m_writers.push_back(row.make(prefix));
+        if (m_isPostProcessed) m_writers.back()->setPostProcessed();
     }
-    return true;
 }
 
 bool Results::open()

@@ -20,23 +20,24 @@ std::vector<ResultFormat> resultFormats();
 // The writers of the result files of one run.
 //
 //   Results results;
-//   if (!results.add({"csv", "html"}, "out/run")) complain(results.getUnknown());
+//   results.add({"csv", "html"}, "out/run");
 //   if (!results.open()) complain(results.getError());
 class Results {
 public:
-    // One writer for each name, once, for files that begin with `prefix`; "csv" contains "sum". False at a name that
-    // nobody has.
-    bool add(const std::vector<std::string>& names, const std::string& prefix);
+    explicit Results(bool isPostProcessed = false) : m_isPostProcessed(isPostProcessed) {}
+
+    // One writer for each name, once, for files that begin with `prefix`; "csv" contains "sum". Names that none of
+    // these has are others' business.
+    void add(const std::vector<std::string>& names, const std::string& prefix);
     bool open();
 
     const std::vector<std::unique_ptr<ResultWriter>>& getWriters() const { return m_writers; }
     std::vector<std::string> getFiles() const;
-    std::string getError() const;                                  // the first failure; empty: none
-    const std::string& getUnknown() const { return m_unknown; }    // the name that add() refused
+    std::string getError() const;    // the first failure; empty: none
 
 private:
     std::vector<std::unique_ptr<ResultWriter>> m_writers;
-    std::string m_unknown;
+    bool m_isPostProcessed;
 };
 
 }    // namespace host

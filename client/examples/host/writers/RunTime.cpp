@@ -5,6 +5,7 @@
 #include "record/SystemMetadata.h"
 #include "runtime/pw_functions.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
@@ -44,6 +45,7 @@ void RunTime::use(const pwr::SystemMetadata& record)
 std::uint64_t RunTime::toNs(std::uint64_t ticks) const
 {
     if (m_ticksPerSecond == NS_PER_SECOND) return ticks;
+    if (ticks / m_ticksPerSecond >= EXACT_LIMIT) return std::numeric_limits<std::uint64_t>::max();
     const std::uint64_t rest = ticks % m_ticksPerSecond;
     return ticks / m_ticksPerSecond * NS_PER_SECOND + (rest * NS_PER_SECOND + m_ticksPerSecond / 2) / m_ticksPerSecond;
 }
@@ -57,7 +59,8 @@ std::uint64_t RunTime::sinceStartNs(std::uint64_t timestamp) const
 void RunTime::appendUtc(std::string& out, std::uint64_t sinceStartNs)
 {
     if (m_record == nullptr || m_record->startTimeval == 0) return;
-    const std::uint64_t ns = m_record->startTimeval + sinceStartNs;
+    const std::uint64_t ns = m_record->startTimeval +
+                             std::min(sinceStartNs, std::numeric_limits<std::uint64_t>::max() - m_record->startTimeval);
     if (m_text.empty() || ns / NS_PER_SECOND != m_second) {
         m_second = ns / NS_PER_SECOND;
         m_text = dateText(m_second, "T", ".");

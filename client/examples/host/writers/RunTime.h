@@ -16,7 +16,7 @@ public:
     void use(const pwr::SystemMetadata& record);    // not owned; outlives the last call
 
     const pwr::SystemMetadata* getRecord() const { return m_record; }    // null: none yet
-    std::uint64_t toNs(std::uint64_t ticks) const;
+    std::uint64_t toNs(std::uint64_t ticks) const;                // the greatest number for what is too long for one
     std::uint64_t sinceStartNs(std::uint64_t timestamp) const;    // 0 for what is older
 
     // "2026-11-23T01:54:32.123456789Z" of a moment since the start; nothing where the record doesn't tell its start.

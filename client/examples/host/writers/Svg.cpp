@@ -7,12 +7,6 @@
 
 namespace host {
 
-namespace {
-
-constexpr std::size_t LONGEST_NAME = 28;
-
-}    // namespace
-
 void appendCoordinate(std::string& out, double value)
 {
     appendFixed(out, value, 1);
@@ -68,13 +62,13 @@ void appendTip(std::string& out, const std::string& text)
     out += "</title>";
 }
 
-std::string shortened(const std::string& name)
+std::string shortened(const std::string& name, std::size_t mostCharacters)
 {
     std::size_t count = 0;
     for (std::size_t at = name.size(); at > 0;) {
         --at;
         if ((static_cast<unsigned char>(name[at]) & 0xC0U) == 0x80U) continue;
-        if (++count == LONGEST_NAME && at > 0) return "\xE2\x80\xA6" + name.substr(at);
+        if (++count == mostCharacters && at > 0) return "\xE2\x80\xA6" + name.substr(at);
     }
     return name;
 }
@@ -108,7 +102,7 @@ void beginChart(std::string& out, const ChartHead& head, const char* kind, doubl
         appendHtml(out, head.note);
         out += "</p>";
     }
-    out += "</figcaption><svg class=\"";
+    out += "</figcaption><div class=\"plot\"><svg class=\"";
     out += kind;
     out += "\" role=\"img\" viewBox=\"0 0 960 ";
     appendCoordinate(out, height);

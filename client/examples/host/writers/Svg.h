@@ -12,9 +12,9 @@ namespace host {
 
 // Units of the drawings, which the page stretches to its width.
 constexpr double WIDTH = 960;
-constexpr double LEFT = 62;
-constexpr double RIGHT = 946;
-constexpr double TOP = 20;
+constexpr double LEFT = 80;    // room for the texts of marks
+constexpr double RIGHT = 936;
+constexpr double TOP = 30;
 constexpr double BOTTOM = 236;
 constexpr double PLOT_HEIGHT = 280;
 
@@ -32,7 +32,7 @@ void appendBox(std::string& out, const std::string& classes, Place corner, doubl
                double height);    // not closed
 void appendTip(std::string& out, const std::string& text);
 
-// A figure with its caption and the svg element up to its attributes.
+// A figure with its caption and the svg element up to its attributes; "</svg></div>" ends that.
 void beginChart(std::string& out, const ChartHead& head, const char* kind, double height);
 
 struct LegendItem {
@@ -42,7 +42,7 @@ struct LegendItem {
 void appendLegend(std::string& out, const std::vector<LegendItem>& items);
 
 std::string colourClass(std::size_t index);
-std::string shortened(const std::string& name);    // the end of a name says most
+std::string shortened(const std::string& name, std::size_t mostCharacters = 26);    // the end of a name says most
 std::string rounded(double value);
 std::string withUnit(double value, const std::string& unit);
 std::string percent(double share);

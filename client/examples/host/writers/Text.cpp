@@ -167,8 +167,9 @@ void appendDecimal(std::string& out, std::uint64_t value, int digits)
 
 void appendCsv(std::string& out, std::string_view text)
 {
-    const bool isFormula = !text.empty() && std::string_view(FORMULA_STARTS).find(text[0]) != std::string_view::npos &&
-                           !isPlainNumber(text);
+    const bool isRule = text.find_first_not_of('-') == std::string_view::npos;
+    const bool isFormula =
+        !isRule && std::string_view(FORMULA_STARTS).find(text[0]) != std::string_view::npos && !isPlainNumber(text);
     const bool isQuoted = text.find_first_of(",\"\r\n") != std::string_view::npos;
     if (isQuoted) out += '"';
     if (isFormula) out += '\'';

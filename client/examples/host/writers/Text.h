@@ -20,7 +20,7 @@ void appendGeneral(std::string& out, double value, int significantDigits);
 void appendDecimal(std::string& out, std::uint64_t value, int digits);
 
 // One field of comma-separated values. It stands in quotes where it must (RFC 4180). A text that a spreadsheet would
-// take for a formula gets an apostrophe in front; numbers, signed ones too, never do.
+// take for a formula gets an apostrophe in front; numbers, signed ones too, and nothing but hyphens never do.
 void appendCsv(std::string& out, std::string_view text);
 
 // A JSON text in quotes. The control characters of ASCII are escaped.

@@ -22,7 +22,8 @@ TimeUnit timeUnitFor(double spanNs)
 {
     if (spanNs >= 3 * 3600e9) return {"hours", 3600e9};
     if (spanNs >= 5 * 60e9) return {"minutes", 60e9};
-    return {"seconds", 1e9};
+    if (spanNs >= 1e9) return {"seconds", 1e9};
+    return spanNs >= 1e6 ? TimeUnit{"milliseconds", 1e6} : TimeUnit{"microseconds", 1e3};
 }
 
 double endOf(const ThinnedSeries& series)
@@ -61,7 +62,7 @@ void appendAxes(std::string& out, const Frame& frame, const std::string& unit)
     for (const double mark : frame.time.getMarks())
         appendLabel(out, {frame.time.at(mark), BOTTOM + 20}, "middle", frame.time.text(mark));
     appendLabel(out, {(LEFT + RIGHT) / 2, BOTTOM + 38}, "middle dim", frame.unit.name);
-    if (!unit.empty()) appendLabel(out, {4, TOP - 8}, "dim", unit);
+    if (!unit.empty()) appendLabel(out, {4, TOP - 18}, "dim", unit);
 }
 
 // From which the page's script tells the value below the pointer.
@@ -246,7 +247,7 @@ void appendLineChart(std::string& out, const ChartHead& head, const std::vector<
         appendEnd(out, lines[i], frame, true, head, colourClass(i));
         appendEnd(out, lines[i], frame, false, head, colourClass(i));
     }
-    out += "</svg>";
+    out += "</svg></div>";
     appendLegend(out, items);
     out += "</figure>\n";
 }
@@ -256,6 +257,7 @@ void appendSmallCharts(std::string& out, const ChartHead& head, const std::vecto
     constexpr std::size_t COLUMNS = 4;
     constexpr double CELL_HEIGHT = 84;
     constexpr double CELL_WIDTH = WIDTH / static_cast<double>(COLUMNS);
+    constexpr std::size_t CHARACTERS = 29;    // that fit above one
     const std::size_t rows = (lines.size() + COLUMNS - 1) / COLUMNS;
     beginChart(out, head, "small", static_cast<double>(rows) * CELL_HEIGHT);
     out += '>';
@@ -270,11 +272,13 @@ void appendSmallCharts(std::string& out, const ChartHead& head, const std::vecto
         out += "/>";
         appendBand(out, *lines[i].series, shared, "k0");
         appendStroke(out, *lines[i].series, shared, "k0", lines[i].name);
-        appendLabel(out, {left + 1, top + 14}, "name", shortened(lines[i].name));
-        appendLabel(out, {right - 1, top + 14}, "end dim", withUnit(lines[i].max, head.unit));
+        const std::string most = withUnit(lines[i].max, head.unit);
+        const std::size_t room = CHARACTERS - std::min(most.size(), CHARACTERS / 2);
+        appendLabel(out, {left + 1, top + 14}, "name", shortened(lines[i].name, room));
+        appendLabel(out, {right - 1, top + 14}, "end dim", most);
         out += "</g>";
     }
-    out += "</svg></figure>\n";
+    out += "</svg></div></figure>\n";
 }
 
 void appendShareArea(std::string& out, const ChartHead& head, const std::vector<std::string>& states,
@@ -289,7 +293,7 @@ void appendShareArea(std::string& out, const ChartHead& head, const std::vector<
     for (std::size_t i = 0; i < states.size(); ++i)
         appendArea(out, amounts.edge(i + 1, frame), amounts.edge(i, frame), colourClass(i), states[i]);
     appendAxes(out, frame, "%");
-    out += "</svg></figure>\n";
+    out += "</svg></div></figure>\n";
 }
 
 }    // namespace host

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <set>
 
 namespace host {
@@ -217,7 +218,7 @@ void TraceWriter::stackSlice_i(const Process& process, Lane& lane, std::uint64_t
     const std::uint64_t lengthNs = time_i().toNs(reading.natural);
     if (reading.kind != Reading::Kind::UNSIGNED || lengthNs == 0) return;
     writeSlice_i(process, lane, nameOf(element.getDescriptor()), lane.cursorNs, lengthNs);
-    lane.cursorNs += lengthNs;
+    lane.cursorNs += std::min(lengthNs, std::numeric_limits<std::uint64_t>::max() - lane.cursorNs);
 }
 
 // `arguments` is an object.

@@ -2,7 +2,9 @@
 
 #include "modules/PluginModule.h"
 
+#include "output/WriterPlugin.h"
 #include "plugins/MetricPlugin.h"
+#include "plugins/PluginCapability.h"
 
 #include <exception>
 #include <stdexcept>
@@ -15,6 +17,9 @@
 #define THROWS_OWN 5
 #define GIVES_NULL 6
 #define SAME_UUID 7
+#define SAME_NAME 8
+#define OWN_NAME 9
+#define NO_NAME 10
 
 namespace {
 
@@ -25,6 +30,18 @@ public:
     int initialize(const pwr::SystemMetadata&) override { return 0; }
     int finalize(const pwr::SystemMetadata&) override { return 0; }
     int processMessage_i(const pwr::SystemMetadata&, const qv_driver_msg*) override { return 0; }
+};
+
+// Named like the writer of the examples, like one of the host's own, or not at all.
+class Namesake : public WriterPlugin {
+public:
+    Namesake() : WriterPlugin("8a1f6c0e-7d3b-4c52-9f10-3b5f1f2d7a99")
+    {
+        const char* const name = QUORVANE_FAULT == SAME_NAME ? "Lines" : QUORVANE_FAULT == OWN_NAME ? "csv" : "*";
+        addCapability(new pwr::WriterPluginCapability({}, name, "", "", false));
+    }
+    int openOutput() override { return 0; }
+    int closeOutput() override { return 0; }
 };
 
 // An exception that only this module knows.
@@ -51,6 +68,10 @@ public:
         module->pluginCount = 1;
         module->plugins = nothing;
         return 0;
+    case SAME_NAME:
+    case OWN_NAME:
+    case NO_NAME:
+        return host::ModulePlugins<Namesake>::enter(hostAbi, module);
     default:
         return host::ModulePlugins<Copy>::enter(hostAbi, module);
     }
