@@ -1,13 +1,16 @@
 #include "support/LogCapture.h"
 
+#include <algorithm>
+
 namespace test {
 
 namespace {
 
 std::size_t occurrences(const std::string& text, const std::string& part)
 {
+    const std::size_t step = std::max<std::size_t>(part.size(), 1);
     std::size_t found = 0;
-    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + part.size()))
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + step))
         ++found;
     return found;
 }
