@@ -25,10 +25,21 @@ std::vector<std::unique_ptr<FeaturePlugin>> makePlugins()
     return plugins;
 }
 
+// What the nearest platform tells, which stands in front.
+const pwr::ConfigCap* findConfig(const std::string& prefix, const std::string& platforms)
+{
+    std::vector<const pwr::ConfigCap*> told;
+    pwr::QVConfigFileParser::instance()->getCapabilitiesFor(told, platforms);
+    const auto found = std::find_if(told.begin(), told.end(), [&prefix](const pwr::ConfigCap* capability) {
+        return capability->getConfigfilePrefix() == prefix;
+    });
+    return found != told.end() ? *found : nullptr;
+}
+
 }    // namespace
 
-Feature::Feature(std::unique_ptr<FeaturePlugin> plugin, const pwr::ConfigCap* config)
-    : m_plugin(std::move(plugin)), m_config(config)
+Feature::Feature(std::unique_ptr<FeaturePlugin> plugin, const std::string& platforms)
+    : m_plugin(std::move(plugin)), m_config(findConfig(m_plugin->getCapability().getConfigFilePrefix(), platforms))
 {
 }
 
@@ -66,17 +77,9 @@ std::vector<Feature> makeFeatures(const std::string& platforms)
     std::vector<std::unique_ptr<FeaturePlugin>> plugins =
         makePlugins<CpuIdle, CpuLoad, CpuFrequency, ContextSwitches, Interrupts, Processes, DiskIo, NetworkIo,
                     Temperature>();
-    std::vector<const pwr::ConfigCap*> told;
-    pwr::QVConfigFileParser::instance()->getCapabilitiesFor(told, platforms);
     std::vector<Feature> features;
-    for (std::unique_ptr<FeaturePlugin>& plugin : plugins) {
-        // The nearest platform stands in front.
-        const std::string& prefix = plugin->getCapability().getConfigFilePrefix();
-        const auto config = std::find_if(told.begin(), told.end(), [&prefix](const pwr::ConfigCap* capability) {
-            return capability->getConfigfilePrefix() == prefix;
-        });
-        features.emplace_back(std::move(plugin), config != told.end() ? *config : nullptr);
-    }
+    for (std::unique_ptr<FeaturePlugin>& plugin : plugins)
+        features.emplace_back(std::move(plugin), platforms);
     return features;
 }
 

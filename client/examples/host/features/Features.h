@@ -12,8 +12,8 @@ namespace host {
 // platforms of this machine.
 class Feature {
 public:
-    // `config` may be null and is the configuration's.
-    Feature(std::unique_ptr<FeaturePlugin> plugin, const pwr::ConfigCap* config);
+    // `platforms` are those that the loaded configuration knows the system by.
+    Feature(std::unique_ptr<FeaturePlugin> plugin, const std::string& platforms);
 
     FeaturePlugin& getPlugin() const { return *m_plugin; }
     const std::string& getName() const { return m_plugin->getName(); }
@@ -29,11 +29,10 @@ public:
 
 private:
     std::unique_ptr<FeaturePlugin> m_plugin;
-    const pwr::ConfigCap* m_config;
+    const pwr::ConfigCap* m_config;    // the configuration's; null where it tells nothing of the feature
 };
 
-// All features that the host has plugins for, in the order of listings. `platforms` are those that the loaded
-// configuration knows the system by.
+// All features that the host has plugins for, in the order of listings.
 std::vector<Feature> makeFeatures(const std::string& platforms);
 
 }    // namespace host

@@ -2,7 +2,6 @@
 
 #include "modules/Modules.h"
 
-#include "config/ConfigCap.h"
 #include "config/InputMsg.h"
 #include "config/qv_configfile_parser.h"
 #include "record/Metadata.h"
@@ -147,19 +146,13 @@ void ModuleFeature::getOrgMsgPayload(const qv_driver_msg* message, std::string& 
 
 void addModuleFeatures(std::vector<Feature>& features, const Modules& modules, const std::string& platforms)
 {
-    std::vector<const pwr::ConfigCap*> told;
-    pwr::QVConfigFileParser::instance()->getCapabilitiesFor(told, platforms);
     for (MetricPlugin* plugin : modules.getMetricPlugins()) {
         Plugin::Capabilities capabilities;
         plugin->getAllCapabilities(capabilities);
         for (const pwr::PluginCapability* offered : capabilities) {
             const auto* capability = dynamic_cast<const pwr::MetricPluginCapability*>(offered);
             if (capability == nullptr) continue;
-            const pwr::ConfigCap* config = nullptr;    // of the nearest platform, which stands in front
-            for (std::size_t i = 0; i < told.size() && config == nullptr; ++i) {
-                if (told[i]->getConfigfilePrefix() == capability->getConfigFilePrefix()) config = told[i];
-            }
-            features.emplace_back(std::make_unique<ModuleFeature>(*plugin, *capability), config);
+            features.emplace_back(std::make_unique<ModuleFeature>(*plugin, *capability), platforms);
         }
     }
 }
