@@ -21,7 +21,7 @@ Key keyOf(int entity, int descriptor)
 
 Cell text(const std::string& text)
 {
-    return {text, {}};
+    return {text, {}, 0, 2, 4};
 }
 
 Cell count(std::uint64_t number)
@@ -32,7 +32,7 @@ Cell count(std::uint64_t number)
 Cell ratio(std::int64_t numerator, std::int64_t denominator, int digits = 2)
 {
     const long double figure = static_cast<long double>(numerator) / static_cast<long double>(denominator);
-    return {"", figure, std::fabs(figure), digits};
+    return {"", figure, std::fabs(figure), digits, 4};
 }
 
 Cell percentage(std::int64_t part, std::int64_t whole, int digits = 2)
@@ -40,9 +40,10 @@ Cell percentage(std::int64_t part, std::int64_t whole, int digits = 2)
     return ratio(100 * part, whole, digits);
 }
 
-Cell sum(const std::vector<Cell>& cells)
+Cell sum(const std::vector<Cell>& cells, std::size_t steps)
 {
     Cell all;
+    all.steps = steps;
     for (const Cell& cell : cells) {
         all.figure = all.figure.value_or(0) + *cell.figure;
         all.size += cell.size;
@@ -310,6 +311,7 @@ private:
         }
         Cell average = ratio(weighted, total);
         average.size = *ratio(size, total).figure;
+        average.steps = 8 + samples.size();
         return average;
     }
 
@@ -417,7 +419,9 @@ private:
 
     Cell rate_i(const Samples& samples) const
     {
-        return ratio(halves_i(samples) * m_clockMHz * m_scenario.perSecond, 2 * ticksOf(samples));
+        Cell rate = ratio(halves_i(samples) * m_clockMHz * m_scenario.perSecond, 2 * ticksOf(samples));
+        rate.steps = 7;
+        return rate;
     }
 
     // A row for each pair, empty for those of the combinations alone, and one of the sums.
@@ -443,7 +447,7 @@ private:
             totals.push_back(total_i(samples));
             addRow(pair_i(std::get<1>(key), std::get<2>(key)), rates.back(), totals.back());
         }
-        if (hasTotal) addRow(pair_i(-1, -1), sum(rates), sum(totals));
+        if (hasTotal) addRow(pair_i(-1, -1), sum(rates, 6 + rates.size()), sum(totals, 4));
         return table;
     }
 

@@ -18,12 +18,14 @@ using Kind = pwr::Metric::MetricType;
 
 // What a cell must hold: a text, or a figure with `digits` behind the point, a quotient of whole numbers (infinite, or
 // no number, when the divisor is 0) or a sum of some. Its `size` is the sum of the addends' magnitudes, which the
-// figure falls short of where they have different signs: the library's doubles may be some roundings of it away.
+// figure falls short of where they have different signs: the library's doubles may be as many roundings of it away as
+// they take `steps`.
 struct Cell {
     std::string text;
     std::optional<long double> figure;
     long double size = 0;
     int digits = 2;
+    std::size_t steps = 4;
 };
 
 using Row = std::vector<Cell>;

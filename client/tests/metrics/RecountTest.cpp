@@ -28,7 +28,7 @@ bool isShown(const recount::Cell& cell, const std::string& text, const Data& val
                (std::isinf(cell.size) && text.find("inf") != std::string::npos);
 
     // The double is some roundings of 2^-53 away; a long double is 2^11 times nearer to the fraction.
-    const long double leeway = std::ldexp(64 * cell.size, -53);
+    const long double leeway = std::ldexp(static_cast<long double>(cell.steps) * cell.size, -53);
     double real = 0;
     if (value.getType() == DataType::REAL && (value.toReal(real) != 0 || std::fabs(real - exact) > leeway))
         return false;
@@ -294,6 +294,8 @@ private:
                 ASSERT_EQ(sample.point, i);
                 ASSERT_EQ(sample.timestamp, points[i].timestamp);
                 ASSERT_EQ(at(scenario.entities, sample.entity).qualified, element.entity);
+                ASSERT_EQ(sample.descriptor >= 0 ? at(scenario.descriptors, sample.descriptor) : "",
+                          element.descriptor);
                 ASSERT_EQ(sample.duration, element.duration);
             }
         }
